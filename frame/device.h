@@ -1,0 +1,62 @@
+// The operating system's side of the program: one disk that is only ever read, and the place that the
+// report goes to. One file per system implements it, and knows that system; nothing else does.
+//
+// Every function gives 0 for success or the system's error code: GetLastError's on Windows, errno elsewhere.
+
+#ifndef TROVISK_FRAME_DEVICE_H
+#define TROVISK_FRAME_DEVICE_H
+
+#include <cstddef>
+
+#include "frame/bytes.h"
+#include "frame/toc.h"
+
+namespace trovisk {
+
+using ErrorCode = u32;
+
+// One open disk. The members belong to the system's file.
+struct Device {
+  std::intptr_t handle = -1;  // the invalid handle, all ones, when no disk is open
+  std::intptr_t direct = -1;  // where a second, unbuffered descriptor is kept
+  u64 position = 0;           // bytes, where the program keeps the position itself
+  u32 sectorSize = 0;         // bytes, where the disk's name says it
+};
+
+// Opens a disk for reading while others may keep reading and writing it. path: the whole path text as shown;
+// argument: the command line's disk argument that it was made from, byte for byte.
+ErrorCode OpenDevice(Device& device, WideText path, const char* argument);
+
+bool IsOpen(const Device& device);
+
+// The logical sector size in bytes.
+ErrorCode QuerySectorSize(Device& device, u32& bytesPerSector);
+
+// The disk's length in bytes.
+ErrorCode QueryLength(const Device& device, u64& bytes);
+
+// Moves the position to a byte offset from the start of the disk; landed receives the new position. What
+// lies beyond the end of the disk shows in the read, not here.
+ErrorCode SeekDevice(Device& device, u64 offset, u64& landed);
+
+// Reads count bytes at the position and moves it by got, the bytes that were really read.
+ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got);
+
+// Closes the disk; the device is closed afterwards whatever the result.
+ErrorCode CloseDevice(Device& device);
+
+// Writes a stretch of the report, whole or not at all as far as the caller can tell.
+ErrorCode WriteReport(const char* text, std::size_t count);
+
+// Whether the error says that the reader of the report closed its end of the pipe.
+bool IsClosedPipe(ErrorCode error);
+
+// Whether the report is shown as it comes, line by line.
+bool ReportIsTerminal();
+
+// Prepares the process once, before anything is written: character set of the terminal, broken pipes.
+void PrepareReport();
+
+}  // namespace trovisk
+
+#endif

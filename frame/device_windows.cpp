@@ -1,0 +1,113 @@
+// The operating system's side on Windows: a physical drive, through the calls that read one raw.
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#include <winioctl.h>
+
+#include <io.h>
+
+#include <climits>
+#include <cstdlib>
+#include <string>
+
+#include "frame/device.h"
+
+namespace trovisk {
+namespace {
+
+HANDLE Handle(const Device& device) {
+  return reinterpret_cast<HANDLE>(device.handle);
+}
+
+constexpr int kStandardOutput = 1;
+
+UINT consoleCodePage = 0;
+
+}  // namespace
+
+ErrorCode OpenDevice(Device& device, WideText path, const char* /*argument*/) {
+  const HANDLE handle = CreateFileW(std::wstring(path).c_str(), GENERIC_READ,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+  device.handle = reinterpret_cast<std::intptr_t>(handle);
+  return handle == INVALID_HANDLE_VALUE ? GetLastError() : 0;
+}
+
+bool IsOpen(const Device& device) {
+  return Handle(device) != INVALID_HANDLE_VALUE;
+}
+
+ErrorCode QuerySectorSize(Device& device, u32& bytesPerSector) {
+  DISK_GEOMETRY_EX geometry{};
+  DWORD returned = 0;
+  if (!DeviceIoControl(Handle(device), IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, nullptr, 0, &geometry,
+                       sizeof geometry, &returned, nullptr)) {
+    return GetLastError();
+  }
+  bytesPerSector = geometry.Geometry.BytesPerSector;
+  return 0;
+}
+
+ErrorCode QueryLength(const Device& device, u64& bytes) {
+  GET_LENGTH_INFORMATION length{};
+  DWORD returned = 0;
+  if (!DeviceIoControl(Handle(device), IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &length, sizeof length,
+                       &returned, nullptr)) {
+    return GetLastError();
+  }
+  bytes = static_cast<u64>(length.Length.QuadPart);
+  return 0;
+}
+
+ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
+  LARGE_INTEGER distance{};
+  distance.QuadPart = static_cast<LONGLONG>(offset);
+  LARGE_INTEGER position{};
+  // A refusal without a code counts as a move; where it landed is for the caller to compare.
+  const ErrorCode error =
+      SetFilePointerEx(Handle(device), distance, &position, FILE_BEGIN) ? 0 : GetLastError();
+  landed = static_cast<u64>(position.QuadPart);
+  return error;
+}
+
+ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
+  DWORD bytes = 0;
+  if (!ReadFile(Handle(device), buffer, count, &bytes, nullptr)) return GetLastError();
+  got = bytes;
+  return 0;
+}
+
+ErrorCode CloseDevice(Device& device) {
+  const BOOL closed = CloseHandle(Handle(device));
+  device = Device{};
+  return closed ? 0 : GetLastError();
+}
+
+ErrorCode WriteReport(const char* text, std::size_t count) {
+  while (count > 0) {
+    const auto stretch = static_cast<unsigned>(count < INT_MAX ? count : INT_MAX);
+    const int written = _write(kStandardOutput, text, stretch);
+    if (written < 0) return static_cast<ErrorCode>(_doserrno != 0 ? _doserrno : ERROR_WRITE_FAULT);
+    if (written == 0) return ERROR_DISK_FULL;
+    text += written;
+    count -= static_cast<std::size_t>(written);
+  }
+  return 0;
+}
+
+bool IsClosedPipe(ErrorCode error) {
+  return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA;
+}
+
+bool ReportIsTerminal() {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
+}
+
+// Names from the disk are written as UTF-8; the console is told so for the length of the run.
+void PrepareReport() {
+  if (!ReportIsTerminal()) return;
+  consoleCodePage = GetConsoleOutputCP();
+  if (SetConsoleOutputCP(CP_UTF8)) std::atexit([] { SetConsoleOutputCP(consoleCodePage); });
+}
+
+}  // namespace trovisk

@@ -1,0 +1,79 @@
+#include "frame/global.h"
+
+#include <cstring>
+#include <iostream>
+#include <vector>
+
+#include "frame/fields.h"
+#include "frame/report.h"
+
+namespace trovisk {
+
+Global disk;
+
+bool Global::Open(WideText path, const char* argument) {
+  if (const ErrorCode error = OpenDevice(device_, path, argument); error != 0) {
+    ErrorLine() << "Global::Open: couldn't open " << ToNarrow(path) << " for reading, error " << error
+                << '\n';
+    return false;
+  }
+  if (const ErrorCode error = QuerySectorSize(device_, bytesPerSector); error != 0) {
+    ErrorLine() << "Global::Open: couldn't get disk geometry " << ToNarrow(path)
+                << " IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error " << error << '\n';
+    return false;
+  }
+  return true;
+}
+
+u64 Global::GetLastSector() {
+  u64 bytes = 0;
+  if (const ErrorCode error = QueryLength(device_, bytes); error != 0) {
+    ErrorLine() << "DeviceIoControl(IOCTL_DISK_GET_LENGTH_INFO failed, error )" << error << '\n';
+    return ~u64{0};
+  }
+  if (bytesPerSector == 0) return ~u64{0};
+  return bytes / bytesPerSector - 1;
+}
+
+bool Global::Seek(u64 offset) {
+  const u64 sector = bytesPerSector == 0 ? 0 : offset / bytesPerSector;
+  u64 landed = 0;
+  if (const ErrorCode error = SeekDevice(device_, offset, landed); error != 0) {
+    ErrorLine() << "Global::Seek failed to seek to sector " << sector << ", error " << error << '\n';
+    return false;
+  }
+  if (landed != offset) {
+    ErrorLine() << "Global::Seek failed to seek to sector " << sector << '\n';
+    return false;
+  }
+  return true;
+}
+
+bool Global::ReadExactly(u8* buffer, u64 count) {
+  FlushReport();  // nothing that was printed waits for a disk that hangs
+  u32 got = 0;
+  const u32 wanted = static_cast<u32>(count);
+  if (const ErrorCode error = ReadDevice(device_, buffer, wanted, got); error != 0) {
+    ErrorLine() << "Global::Read failed, error " << error << '\n';
+    return false;
+  }
+  if (got != wanted) {
+    ErrorLine() << "Global::Read short read, needed " << count << ", got " << got << '\n';
+    return false;
+  }
+  return true;
+}
+
+bool Global::Read(u8* buffer, u64 count) {
+  if (count >= bytesPerSector) return ReadExactly(buffer, count);
+  std::vector<u8> sector(bytesPerSector);
+  if (!ReadExactly(sector.data(), sector.size())) return false;
+  if (count > 0) std::memcpy(buffer, sector.data(), static_cast<std::size_t>(count));
+  return true;
+}
+
+bool Global::Close() {
+  return !IsOpen(device_) || CloseDevice(device_) == 0;
+}
+
+}  // namespace trovisk

@@ -1,0 +1,5 @@
+#include "frame/run.h"
+
+int main(int argc, char** argv) {
+  return trovisk::Run(argc, argv);
+}

@@ -1,0 +1,206 @@
+#include "frame/run.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <iomanip>
+#include <iostream>
+#include <limits>
+#include <optional>
+#include <sstream>
+#include <string>
+
+#include "frame/decode.h"
+#include "frame/decoders.h"
+#include "frame/fields.h"
+#include "frame/global.h"
+#include "frame/report.h"
+
+namespace trovisk {
+namespace {
+
+// What the command line asks for. Sectors are -1 where they are not given.
+struct Request {
+  std::wstring diskPath;
+  i64 first = -1;
+  i64 last = -1;
+
+  bool WholeDisk() const { return first < 0; }
+  bool SingleSector() const { return first >= 0 && last < 0; }
+};
+
+bool IsNegative(u64 position) {
+  return static_cast<i64>(position) < 0;
+}
+
+// The disk argument behind the path prefix, unparsed. Where it does not convert, the text that is shown has
+// one '?' for every byte of it.
+std::wstring DiskPath(const char* argument) {
+  const std::size_t bytes = std::strlen(argument);
+  std::wstring wide(bytes, L'\0');
+  const std::size_t count = std::mbstowcs(wide.data(), argument, bytes);
+  if (count == static_cast<std::size_t>(-1)) {
+    wide.assign(bytes, L'?');
+  } else {
+    wide.resize(count);
+  }
+  return L"\\\\.\\PhysicalDrive" + wide;
+}
+
+// A signed decimal number at the start of the text; 0 where there is none, the nearest limit where it is too
+// large.
+i64 ParseSector(const char* argument) {
+  i64 sector = 0;
+  std::istringstream(argument) >> sector;
+  return sector;
+}
+
+// Takes a sector argument; false, after a message, when it lies beyond the end of the disk.
+bool TakeSector(const char* argument, u64 lastOnDisk, i64& sector) {
+  sector = ParseSector(argument);
+  if (sector < 0 || static_cast<u64>(sector) <= lastOnDisk) return true;
+  ErrorLine() << "There aren't that many sectors on the disk !!\n";
+  return false;
+}
+
+void PrintReadingLine(const Request& request) {
+  std::cout << "Reading " << ToNarrow(request.diskPath);
+  if (request.WholeDisk()) {
+    std::cout << " [ whole disk ]";
+  } else if (request.SingleSector()) {
+    std::cout << " sector " << request.first;
+  } else {
+    std::cout << " sectors [ " << request.first << " - " << request.last << " ]";
+  }
+  std::cout << LineEnd << LineEnd;
+}
+
+// Moves the disk to a sector. position is the one that the message names when that fails.
+bool SeekForPass(u64 sector, u64 position) {
+  if (SeekToSector(sector)) return true;
+  ErrorLine() << "Failed to seek to sector " << static_cast<i64>(position) << '\n';
+  return false;
+}
+
+// Walks the registered sectors in ascending order, those included that the decoders register ahead.
+bool LoadToc(u64 walkLimit) {
+  std::cout << "Loading TOC ..." << LineEnd;
+  for (u64 position = 0; position <= walkLimit && !IsNegative(position);) {
+    const auto next = disk.toc.FirstAtOrAfter(position);
+    if (!next) break;
+    if (!SeekForPass(next->first, position)) return false;
+    position = next->entry.decoder(next->entry.description, next->first, false);
+  }
+  std::cout << LineEnd;
+  return true;
+}
+
+// Whether the sector's report was asked for; in a whole-disk run every registered one's is.
+bool IsRequested(const Request& request, u64 sector) {
+  if (request.WholeDisk()) return true;
+  const auto wanted = static_cast<i64>(sector);
+  if (request.SingleSector()) return wanted == request.first;
+  return request.first <= wanted && wanted <= request.last;
+}
+
+// The first sector at or after the position that the run shows although it is not registered.
+std::optional<u64> NextUnregistered(const Request& request, u64 position) {
+  if (request.WholeDisk()) return std::nullopt;
+  const u64 next = std::max(position, static_cast<u64>(request.first));
+  if (!IsRequested(request, next)) return std::nullopt;
+  return next;
+}
+
+// Counts through the sectors, as far as anyone can see: between two registered or requested sectors nothing
+// happens, so the position moves straight on.
+bool PrintSectors(const Request& request, u64 walkLimit) {
+  u64 position = 0;
+  while (position <= walkLimit && !IsNegative(position)) {
+    const auto registered = disk.toc.FirstAtOrAfter(position);
+    const auto requested = NextUnregistered(request, position);
+    if (!registered && !requested) break;
+    const u64 next = std::min(registered ? registered->first : kEndPass, requested.value_or(kEndPass));
+    if (next != position) {
+      position = next;
+      continue;
+    }
+    if (!SeekForPass(position, position)) return false;
+    if (registered && registered->first == position) {
+      position =
+          registered->entry.decoder(registered->entry.description, position, IsRequested(request, position));
+    } else {
+      DumpRawSector(L"Raw Sector", position, true);
+      ++position;
+    }
+  }
+  return true;
+}
+
+void PrintTocRow(u64 sector, WideText description) {
+  std::cout << std::setw(10) << std::setfill(' ') << sector << "\t" << ToNarrow(description) << LineEnd;
+}
+
+// One row per registered sector.
+void PrintToc(u64 lastOnDisk) {
+  std::cout << LineEnd << "\tTable Of Contents" << LineEnd << "\t=================" << LineEnd << LineEnd
+            << "   Sector#\tContents" << LineEnd << "   -------\t--------" << LineEnd;
+  // A damaged entry may register more sectors than the disk has. Those beyond its end are listed as well,
+  // but not without limit.
+  constexpr u64 kRowsBeyondDisk = u64{1} << 24;
+  u64 rowsBeyondDisk = 0;
+  u64 position = 0;
+  while (const auto run = disk.toc.FirstAtOrAfter(position)) {
+    for (position = run->first;; ++position) {
+      if (position > lastOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->last) {
+        std::cout << "       ..." << LineEnd;
+        position = run->last;
+      }
+      PrintTocRow(position, run->entry.description);
+      if (position == run->last) break;
+    }
+    if (++position == 0) break;
+  }
+}
+
+int RunOnOpenDisk(Request request, int argc, char** argv) {
+  const u64 lastOnDisk = disk.GetLastSector();
+  std::cout << "Last sector on disk is " << lastOnDisk << LineEnd;
+  if (argc > 2 && !TakeSector(argv[2], lastOnDisk, request.first)) return 1;
+  if (argc > 3 && !TakeSector(argv[3], lastOnDisk, request.last)) return 1;
+
+  u64 walkLimit = lastOnDisk;
+  if (argc > 3) {
+    walkLimit = static_cast<u64>(request.last);
+  } else if (request.first >= 0) {
+    walkLimit = static_cast<u64>(request.first);
+  }
+
+  PrintReadingLine(request);
+  AddTocEntry(disk, 0, DecodeMasterBootRecord, L"Master Boot Record");
+  if (!LoadToc(walkLimit) || !PrintSectors(request, walkLimit)) return 1;
+  disk.Close();
+  if (request.WholeDisk()) PrintToc(lastOnDisk);
+  disk.toc.Clear();
+  return 0;
+}
+
+}  // namespace
+
+int Run(int argc, char** argv) {
+  StartReport();
+  std::cout << "Trovisk version "
+            << "1.4"
+            << " built " << __DATE__ << LineEnd << LineEnd;
+  int status = 1;
+  if (argc < 2 || argc > 4) {
+    ErrorLine() << "Usage " << (argc > 0 ? argv[0] : "") << " disk# [first_sector#] [LastSector#]\n";
+  } else {
+    const Request request{DiskPath(argv[1])};
+    if (disk.Open(request.diskPath, argv[1])) status = RunOnOpenDisk(request, argc, argv);
+    disk.Close();
+  }
+  FlushReport();
+  return status;
+}
+
+}  // namespace trovisk
