@@ -1,0 +1,20 @@
+// One 16-byte partition table entry of a master or extended boot record.
+
+#ifndef TROVISK_MBR_PARTITION_ENTRY_H
+#define TROVISK_MBR_PARTITION_ENTRY_H
+
+#include "frame/bytes.h"
+
+namespace trovisk {
+
+inline constexpr std::size_t kPartitionEntrySize = 16;
+inline constexpr std::size_t kEntryType = 0x4;  // the type byte's offset in an entry
+
+// Prints the entry when print is set, and registers the partition's first sector with the decoder that the
+// type byte calls for. tableSector: the absolute sector that holds the table; the entry's own sector numbers
+// are relative to it.
+void PrintPartitionEntry(FixedBytes<kPartitionEntrySize> entry, u64 tableSector, bool print);
+
+}  // namespace trovisk
+
+#endif
