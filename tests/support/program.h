@@ -1,0 +1,40 @@
+// Runs the real program, as a process of its own, on disks that the test has built.
+
+#ifndef TROVISK_TESTS_SUPPORT_PROGRAM_H
+#define TROVISK_TESTS_SUPPORT_PROGRAM_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/disks/disk.h"
+
+namespace trovisk::test {
+
+struct Outcome {
+  std::string out;  // standard output, standard error: line ends as '\n'
+  std::string err;
+  int status = -1;  // the exit status; 256 + the signal's number when one ended the program
+};
+
+// Which build: the shipped one, which knows the published boot code, or the same program with a catalogue of
+// the tests' own invented boot code.
+enum class Build { kShipped, kInventedCode };
+
+// Runs the program with these arguments. extra: NAME=VALUE pairs added to the environment; TZ is UTC unless
+// they say otherwise.
+Outcome RunProgram(Build build, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment = {});
+
+// Writes the disk as an image and runs the program on it; arguments: first and last sector, as needed. In
+// both texts the build date reads "<date>" and the disk argument "<disk>".
+Outcome RunOn(const Disk& disk, const std::vector<std::string>& arguments = {},
+              Build build = Build::kInventedCode);
+
+// Where a test may put files; removed when the test program ends.
+std::string ScratchPath(const std::string& name);
+
+}  // namespace trovisk::test
+
+#endif
