@@ -1,0 +1,11 @@
+// Until its decoder is written: the sector is named and shown raw.
+
+#include "frame/decoders.h"
+
+namespace trovisk {
+
+u64 DecodeDpodSector(WideText description, u64 sector, bool print) {
+  return DumpLabelledRawSector(description, sector, print);
+}
+
+}  // namespace trovisk
