@@ -80,6 +80,10 @@ void PrintCharsN(Bytes text, i64 count) {
   if (count > 0) PrintChars(SliceAt(text, 0, static_cast<u64>(count)));
 }
 
+void PrintPadded(u64 value, int width) {
+  std::cout << std::setw(width) << std::setfill('0') << value;
+}
+
 void PrintHexStayingHex(u64 value, int width) {
   std::cout << std::uppercase << std::hex << std::setw(width) << std::setfill('0') << value;
 }

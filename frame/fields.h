@@ -40,6 +40,9 @@ inline void PrintHexByte(u8 value) {
   PrintHex(value, 2);
 }
 
+// A number in the stream's base, at least width digits, zero-filled.
+void PrintPadded(u64 value, int width);
+
 // The same, but the stream stays in hexadecimal: numbers that follow come out so too.
 void PrintHexStayingHex(u64 value, int width);
 

@@ -1,0 +1,87 @@
+// SDBB, the storage database blocks of a Storage Spaces partition: eight records to a sector.
+//
+// Stand in the sectors behind the SDBC, up to the first sector with a record that has no signature. The first
+// 512 bytes of a sector, whatever its size. Big-endian. There is no published description: the layout is what
+// is known from disks.
+// Checked: each record's signature. Not checked: part numbers; a record's data is not examined.
+
+#include <array>
+#include <iostream>
+
+#include "frame/decode.h"
+#include "frame/decoders.h"
+#include "frame/fields.h"
+#include "frame/global.h"
+#include "spaces/verbs.h"
+
+namespace trovisk {
+namespace {
+
+constexpr std::size_t kRecordSize = 64;
+constexpr std::size_t kRecords = 8;
+
+constexpr std::size_t kSignature = 0x00;   // "SDBB"
+constexpr std::size_t kIdentifier = 0x04;  // 4 bytes
+constexpr std::size_t kParent = 0x08;      // 4 bytes, the identifier itself: no parent
+constexpr std::size_t kPartIndex = 0x0C;   // u16, from 0
+constexpr std::size_t kPartCount = 0x0E;   // u16, 0: an empty record
+constexpr std::size_t kEntryType = 0x10;   // 2 bytes, of the entry's first part
+
+using Record = FixedBytes<kRecordSize>;
+
+Record RecordAt(SectorView block, std::size_t index) {
+  return block.subspan(index * kRecordSize).first<kRecordSize>();
+}
+
+void PrintRecord(Record record) {
+  const auto identifier = Part<kIdentifier, 4>(record);
+  const auto parent = Part<kParent, 4>(record);
+  std::cout << "SDBB : 0x";
+  PrintHexBytes(identifier);
+  std::cout << LineEnd << LineEnd;
+  const u16 partCount = Be16<kPartCount>(record);
+  if (partCount == 0) {
+    std::cout << "\tEmpty";
+  } else {
+    if (!std::equal(identifier.begin(), identifier.end(), parent.begin())) {
+      std::cout << "\tParent : 0x";
+      PrintHexBytes(parent);
+      std::cout << LineEnd;
+    }
+    const int partIndex = Be16<kPartIndex>(record);
+    std::cout << "\tPart   : " << partIndex + 1 << " of " << partCount << LineEnd;
+    if (partIndex == 0) {
+      std::cout << "\tType   : 0x";
+      PrintHexBytes(Part<kEntryType, 2>(record));
+    }
+  }
+  std::cout << LineEnd << LineEnd;
+}
+
+}  // namespace
+
+u64 DecodeSdbb(WideText description, u64 sector, bool print) {
+  if (print) {
+    PrintSectorHeader(description, sector);
+    std::cout << LineEnd;
+  }
+  std::array<u8, kRecords * kRecordSize> records{};
+  if (!disk.Read(records.data(), records.size())) {
+    ErrorLine() << "Error reading sector " << sector << '\n';
+    return kEndPass;
+  }
+  for (std::size_t i = 0; i < kRecords; ++i) {
+    const Record record = RecordAt(SectorView(records), i);
+    if (!EqualsText(Part<kSignature, 4>(record), "SDBB")) {
+      // The end of the blocks, not of the pass.
+      ErrorLine() << "No SDBB magic found in sector " << sector << '\n';
+      return sector + 1;
+    }
+    if (print) PrintRecord(record);
+  }
+  if (!ShowAsRawSector(sector, print)) return kEndPass;
+  AddTocEntry(disk, sector + 1, DecodeSdbb, L"SDBB Sector");
+  return sector + 1;
+}
+
+}  // namespace trovisk
