@@ -1,6 +1,7 @@
 #include "frame/dump.h"
 
 #include <array>
+#include <cstring>
 #include <iomanip>
 #include <iostream>
 #include <string>
@@ -14,50 +15,65 @@ namespace trovisk {
 namespace {
 
 constexpr std::size_t kRowBytes = 16;
-constexpr std::size_t kRowText = 2 + 8 + 2 + kRowBytes * 3 + 4 + kRowBytes + 1;  // with a long offset
+constexpr std::size_t kCellText = 3;  // "XX "
+constexpr std::size_t kGap = 4;       // blanks between the cells and the characters
+constexpr std::size_t kOffsetText = 2 + 2 * sizeof(std::size_t) + 2;
+constexpr std::size_t kRowText = kOffsetText + kRowBytes * kCellText + kGap + kRowBytes + 1;
 constexpr char kDigits[] = "0123456789ABCDEF";
 
-// "XX " for every byte, and the byte as a character or ".": a range dump is bound by this loop.
-constexpr auto kHexCells = [] {
-  std::array<std::array<char, 3>, 256> cells{};
+// A byte's cell with a blank to spare, so that it is stored as one word: a range dump is bound by this.
+constexpr auto kCells = [] {
+  std::array<std::array<char, 4>, 256> cells{};
   for (std::size_t i = 0; i < cells.size(); ++i)
-    cells[i] = {kDigits[i >> 4], kDigits[i & 15], ' '};
+    cells[i] = {kDigits[i >> 4], kDigits[i & 15], ' ', ' '};
   return cells;
 }();
-constexpr auto kCharacters = [] {
-  std::array<char, 256> characters{};
-  for (std::size_t i = 0; i < characters.size(); ++i) {
-    characters[i] = i >= 0x20 && i <= 0x7E ? static_cast<char>(i) : '.';
-  }
-  return characters;
-}();
 
-// Appends "0x" and the offset in at least three digits.
-void AppendOffset(std::string& text, std::size_t offset) {
-  std::array<char, 2 * sizeof offset> digits;
-  std::size_t count = 0;
-  for (; offset != 0 || count < 3; offset >>= 4)
-    digits[count++] = kDigits[offset & 15];
-  text += "0x";
-  while (count > 0)
-    text += digits[--count];
+constexpr char CharacterOf(u8 byte) {
+  return byte >= 0x20 && byte <= 0x7E ? static_cast<char>(byte) : '.';
 }
 
-void AppendRow(std::string& text, Bytes row, std::size_t offset) {
-  AppendOffset(text, offset);
-  std::array<char, 2 + kRowBytes * 3 + 4 + kRowBytes + 1> cells;
-  cells.fill(' ');
-  char* hex = cells.data() + 2;
-  char* character = cells.data() + 2 + kRowBytes * 3 + 4;
+// Writes "0x", the offset in at least three digits and two blanks; gives the place behind them.
+char* PutOffset(char* out, std::size_t offset) {
+  *out++ = '0';
+  *out++ = 'x';
+  int shift = 8;
+  while (offset >> shift > 15)
+    shift += 4;
+  for (; shift >= 0; shift -= 4)
+    *out++ = kDigits[offset >> shift & 15];
+  *out++ = ' ';
+  *out++ = ' ';
+  return out;
+}
+
+// Writes a whole row; gives the place behind its line end. Needs kRowText characters of room.
+char* PutRow(char* out, const u8* row, std::size_t offset) {
+  out = PutOffset(out, offset);
+  for (std::size_t i = 0; i < kRowBytes; ++i)
+    std::memcpy(out + i * kCellText, kCells[row[i]].data(), 4);
+  out += kRowBytes * kCellText;
+  std::memset(out, ' ', kGap);
+  out += kGap;
+  for (std::size_t i = 0; i < kRowBytes; ++i)
+    out[i] = CharacterOf(row[i]);
+  out += kRowBytes;
+  *out++ = '\n';
+  return out;
+}
+
+// The same for a row whose bytes end early: blanks for the missing cells, nothing for the missing characters.
+char* PutShortRow(char* out, Bytes row, std::size_t offset) {
+  out = PutOffset(out, offset);
+  std::memset(out, ' ', kRowBytes * kCellText + kGap);
+  char* character = out + kRowBytes * kCellText + kGap;
   for (const u8 byte : row) {
-    const auto& cell = kHexCells[byte];
-    *hex++ = cell[0];
-    *hex++ = cell[1];
-    *hex++ = cell[2];
-    *character++ = kCharacters[byte];
+    std::memcpy(out, kCells[byte].data(), kCellText);
+    out += kCellText;
+    *character++ = CharacterOf(byte);
   }
   *character++ = '\n';
-  text.append(cells.data(), character);
+  return character;
 }
 
 void PrintColumns() {
@@ -70,13 +86,18 @@ void PrintColumns() {
 // printing would leave it: capitals on, zero fill, decimal.
 void PrintDumpRows(Bytes bytes, std::size_t rows) {
   if (rows == 0) return;
-  std::string text;
-  text.reserve(rows * kRowText);
+  std::string text(rows * kRowText, '\0');
+  char* out = text.data();
   for (std::size_t row = 0; row < rows; ++row) {
-    AppendRow(text, SliceAt(bytes, row * kRowBytes, kRowBytes), row * kRowBytes);
+    const std::size_t offset = row * kRowBytes;
+    if (offset + kRowBytes <= bytes.size()) {
+      out = PutRow(out, bytes.data() + offset, offset);
+    } else {
+      out = PutShortRow(out, FromAt(bytes, offset), offset);
+    }
   }
   std::cout << std::uppercase << std::setfill('0') << std::dec;
-  std::cout.write(text.data(), static_cast<std::streamsize>(text.size() - 1));
+  std::cout.write(text.data(), out - text.data() - 1);
   std::cout << LineEnd;
 }
 

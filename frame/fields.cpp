@@ -35,6 +35,10 @@ std::string ToNarrow(WideText text) {
   narrow.reserve(text.size());
   for (const wchar_t character : text) {
     if (character == L'\0') break;
+    if (character > 0 && character < 0x80) {
+      narrow += static_cast<char>(character);
+      continue;
+    }
     char bytes[MB_LEN_MAX];
     std::mbstate_t state{};
     const std::size_t count = std::wcrtomb(bytes, character, &state);
