@@ -48,7 +48,9 @@ char* PutOffset(char* out, std::size_t offset) {
 }
 
 // Writes a whole row; gives the place behind its line end. Needs kRowText characters of room.
-char* PutRow(char* out, const u8* row, std::size_t offset) {
+char* PutRow(char* out, const u8* bytes, std::size_t offset) {
+  std::array<u8, kRowBytes> row;  // a copy, which the stores below cannot alias
+  std::memcpy(row.data(), bytes, row.size());
   out = PutOffset(out, offset);
   for (std::size_t i = 0; i < kRowBytes; ++i)
     std::memcpy(out + i * kCellText, kCells[row[i]].data(), 4);
