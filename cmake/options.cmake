@@ -20,6 +20,7 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
   check_pie_supported()
   set(CMAKE_POSITION_INDEPENDENT_CODE ON)
   target_compile_options(trovisk_options INTERFACE -fstack-protector-strong)
+  target_link_options(trovisk_options INTERFACE -fstack-protector-strong)
   target_compile_definitions(trovisk_options INTERFACE _FORTIFY_SOURCE=2)
   if(WIN32)
     target_link_options(trovisk_options INTERFACE -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va
