@@ -49,6 +49,9 @@ void PrintHexStayingHex(u64 value, int width);
 // The same, but the stream's base is afterwards what it was before.
 void PrintHexKeepingBase(u64 value, int width);
 
+// Decimal, at least two digits, zero-filled: hours, minutes, seconds.
+void PrintTwoDigits(u8 value);
+
 // Every byte as two digits with nothing between, in stored order; from the last to the first.
 void PrintHexBytes(Bytes bytes);
 void PrintReversedHexBytes(Bytes bytes);

@@ -6,7 +6,6 @@
 // Not checked: the end mark, the entries' extents.
 
 #include <array>
-#include <iomanip>
 #include <iostream>
 #include <span>
 
@@ -89,15 +88,14 @@ void PrintCode(std::string_view heading, std::size_t hyphens, Bytes code) {
 
 void PrintTimeStamp(SectorView mbr) {
   if (U8<kTimeStampDrive>(mbr) == 0) return;
-  const auto twoDigits = [](u8 value) { std::cout << std::setw(2) << std::setfill('0') << unsigned{value}; };
   std::cout << "Drive Number     : 0x";
   PrintHexByte(U8<kTimeStampDrive>(mbr));
   std::cout << LineEnd << "Last Access Time : ";
-  twoDigits(U8<kTimeStampHours>(mbr));
+  PrintTwoDigits(U8<kTimeStampHours>(mbr));
   std::cout << ":";
-  twoDigits(U8<kTimeStampMinutes>(mbr));
+  PrintTwoDigits(U8<kTimeStampMinutes>(mbr));
   std::cout << ":";
-  twoDigits(U8<kTimeStampSeconds>(mbr));
+  PrintTwoDigits(U8<kTimeStampSeconds>(mbr));
   std::cout << LineEnd;
 }
 
