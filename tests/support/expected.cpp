@@ -102,7 +102,7 @@ std::string ExpandExpected(std::string text, const Disk& disk) {
 }
 
 std::string Expected(const std::string& name, const Disk& disk) {
-  std::ifstream file(std::string(TROVISK_EXPECTED_REPORTS) + "/" + name, std::ios::binary);
+  std::ifstream file(TROVISK_EXPECTED_REPORTS "/" + name, std::ios::binary);
   EXPECT_TRUE(file.good()) << "no expected report " << name;
   std::ostringstream text;
   text << file.rdbuf();
