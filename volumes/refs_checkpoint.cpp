@@ -1,0 +1,97 @@
+// ReFS checkpoint: a consistent state of a volume of version 3 or later, with the way to its tables.
+//
+// Stands in a cluster that the superblock names; there are two, written in turn. Only the page's first 508
+// bytes are read. Little-endian.
+// Layout: as published by researchers of the file system, whose makers have not described it.
+// Not checked: the signature; offsets and lengths, which end where the bytes read end. The table references
+// are not followed.
+
+#include <array>
+#include <iostream>
+
+#include "frame/decode.h"
+#include "frame/decoders.h"
+#include "frame/field_table.h"
+#include "frame/fields.h"
+#include "volumes/refs_page.h"
+
+namespace trovisk {
+namespace {
+
+constexpr std::size_t kRecordSize = 508;
+using CheckpointView = FixedBytes<kRecordSize>;
+
+constexpr std::size_t kUnknownFlag1 = 0x50;          // u16
+constexpr std::size_t kUnknownFlag2 = 0x52;          // u16
+constexpr std::size_t kVersionMajor = 0x54;          // u16
+constexpr std::size_t kVersionMinor = 0x56;          // u16
+constexpr std::size_t kSelfDescriptorOffset = 0x58;  // u32, bytes from the start of the page
+constexpr std::size_t kSelfDescriptorLength = 0x5C;  // u32, bytes
+constexpr std::size_t kCheckpointClock = 0x60;       // u64
+constexpr std::size_t kAllocatorClock = 0x68;        // u64
+constexpr std::size_t kOldestLogRecord = 0x70;       // u64
+constexpr std::size_t kUnknown = 0x78;               // u64
+constexpr std::size_t kBufferOffset = 0x88;          // u32
+constexpr std::size_t kBufferLength = 0x8C;          // u32
+constexpr std::size_t kPointerCount = 0x90;          // u32
+constexpr std::size_t kPointers = 0x94;              // u32 each, bytes from the start of the page
+
+constexpr FieldRow kPointerFields[] = {
+    {"Ptr To Object ID Table Ref             : ", kPointers + 0x00, Format::kLe32},
+    {"Ptr To Medium Allocator Table Ref      : ", kPointers + 0x04, Format::kLe32},
+    {"Ptr To Container Allocator Table Ref   : ", kPointers + 0x08, Format::kLe32},
+    {"Ptr To Schema Table Ref                : ", kPointers + 0x0C, Format::kLe32},
+    {"Ptr To Parent Child Table Ref          : ", kPointers + 0x10, Format::kLe32},
+    {"Ptr To Object ID Table Ref (duplicate) : ", kPointers + 0x14, Format::kLe32},
+    {"Ptr To Block Reference Count Table Ref : ", kPointers + 0x18, Format::kLe32},
+    {"Ptr To Container Table Ref             : ", kPointers + 0x1C, Format::kLe32},
+    {"Ptr To Container Table Ref (duplicate) : ", kPointers + 0x20, Format::kLe32},
+    {"Ptr to Schema Table Ref (duplicate)    : ", kPointers + 0x24, Format::kLe32},
+    {"Ptr To Container Index Table Ref       : ", kPointers + 0x28, Format::kLe32},
+    {"Ptr To Integrity State Table Ref       : ", kPointers + 0x2C, Format::kLe32},
+    {"Ptr To Small Allocator Table Ref       : ", kPointers + 0x30, Format::kLe32},
+};
+static_assert(FieldsFit(kPointerFields, kRecordSize));
+
+// The offset leaves the stream in hexadecimal, and the numbers behind it come out so until a field returns to
+// decimal: the first byte of the self-descriptor, where there is one. The hexadecimal fields further down
+// keep the base that they find.
+void PrintReport(CheckpointView page) {
+  std::cout << LineEnd;
+  PrintHeading("ReFS CHKP");
+  PrintReFsPageHeader(Part<0, kReFsPageHeaderSize>(page), "");
+  std::cout << "Unknown Flag#1              : 0x";
+  PrintHex(Le16<kUnknownFlag1>(page), 4);
+  std::cout << LineEnd << "Unknown Flag#2              : 0x";
+  PrintHex(Le16<kUnknownFlag2>(page), 4);
+  std::cout << LineEnd << "ReFS Version                : " << Le16<kVersionMajor>(page) << "."
+            << Le16<kVersionMinor>(page) << LineEnd << "Offset To Self-Descriptor   : 0x";
+  PrintHexStayingHex(Le32<kSelfDescriptorOffset>(page), 8);
+  std::cout << LineEnd << "Length Of Self-Descriptor   : " << Le32<kSelfDescriptorLength>(page) << LineEnd;
+  PrintSelfDescriptor(page, Le32<kSelfDescriptorOffset>(page), Le32<kSelfDescriptorLength>(page));
+
+  std::cout << "Checkpoint Virtual Clock    : " << Le64<kCheckpointClock>(page) << LineEnd
+            << "Allocator Virtual Clock     : " << Le64<kAllocatorClock>(page) << LineEnd
+            << "Oldest Log Record Reference : 0x";
+  PrintHexKeepingBase(Le64<kOldestLogRecord>(page), 16);
+  std::cout << LineEnd << "Unknown                     : 0x";
+  PrintHexKeepingBase(Le64<kUnknown>(page), 8);
+  std::cout << LineEnd << "Unknown Buffer Offset       : 0x";
+  PrintHexKeepingBase(Le32<kBufferOffset>(page), 8);
+  std::cout << LineEnd << "Unknown Buffer Length       : " << Le32<kBufferLength>(page) << LineEnd
+            << "Pointer Count               : " << Le32<kPointerCount>(page) << LineEnd << LineEnd;
+  PrintFields(page, kPointerFields);
+  std::cout << LineEnd << LineEnd;
+}
+
+}  // namespace
+
+u64 DecodeReFsCheckpoint(WideText description, u64 sector, bool print) {
+  if (print) PrintSectorHeader(description, sector);
+  std::array<u8, kRecordSize> record{};
+  if (!ReadRecord(record)) return kEndPass;
+  if (print) PrintReport(CheckpointView(record));
+  return DumpAsRawSector(sector, print);
+}
+
+}  // namespace trovisk
