@@ -85,7 +85,7 @@ void PrintColumns() {
 }  // namespace
 
 // Rows are formatted into one text and handed to the stream at once, which is left as field-by-field
-// printing would leave it: capitals on, zero fill, decimal.
+// printing would leave it: zero fill, decimal, and capitals on once a byte has been shown.
 void PrintDumpRows(Bytes bytes, std::size_t rows) {
   if (rows == 0) return;
   std::string text(rows * kRowText, '\0');
@@ -98,7 +98,8 @@ void PrintDumpRows(Bytes bytes, std::size_t rows) {
       out = PutShortRow(out, FromAt(bytes, offset), offset);
     }
   }
-  std::cout << std::uppercase << std::setfill('0') << std::dec;
+  if (!bytes.empty()) std::cout << std::uppercase;
+  std::cout << std::setfill('0') << std::dec;
   std::cout.write(text.data(), out - text.data() - 1);
   std::cout << LineEnd;
 }

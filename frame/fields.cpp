@@ -143,6 +143,20 @@ void PrintCodeListing(Bytes code) {
   }
 }
 
+void PrintCodeSection(std::string_view title, std::size_t hyphens, Bytes code) {
+  std::cout << LineEnd;
+  PrintHeading(title, hyphens, "\t");
+  std::cout << LineEnd;
+  PrintCodeListing(code);
+  std::cout << LineEnd << LineEnd;
+}
+
+void PrintErrorMessage(int number, std::string_view separator, Bytes text) {
+  std::cout << "Error Message#" << number << separator;
+  PrintChars(text);
+  std::cout << " ]" << LineEnd;
+}
+
 void PrintGuid(FixedBytes<16> guid) {
   const auto group = [](u64 value, int width) {
     std::cout << std::setw(width) << std::setfill('0') << value;

@@ -67,6 +67,17 @@ void PrintVolumeSerial(FixedBytes<8> serial);
 // end after the last.
 void PrintCodeListing(Bytes code);
 
+// A piece of boot code: an empty line, the title and its hyphens (so many) led by a tab, an empty line, the
+// listing and an empty line.
+void PrintCodeSection(std::string_view title, std::size_t hyphens, Bytes code);
+inline void PrintCodeSection(std::string_view title, Bytes code) {
+  PrintCodeSection(title, title.size(), code);
+}
+
+// "Error Message#", the number, the separator that ends in the opening bracket, the text as PrintChars shows
+// it, " ]" and a line end.
+void PrintErrorMessage(int number, std::string_view separator, Bytes text);
+
 // A GUID in the mixed-endian on-disk layout, in its registry form without braces. Digits above 9 are
 // capitals once a field in capitals has been printed, small letters before.
 void PrintGuid(FixedBytes<16> guid);

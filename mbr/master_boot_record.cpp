@@ -78,14 +78,6 @@ bool HasEntryOfType(SectorView mbr, u8 type) {
   return false;
 }
 
-void PrintCode(std::string_view heading, std::size_t hyphens, Bytes code) {
-  std::cout << LineEnd;
-  PrintHeading(heading, hyphens, "\t");
-  std::cout << LineEnd;
-  PrintCodeListing(code);
-  std::cout << LineEnd << LineEnd;
-}
-
 void PrintTimeStamp(SectorView mbr) {
   if (U8<kTimeStampDrive>(mbr) == 0) return;
   std::cout << "Drive Number     : 0x";
@@ -99,17 +91,11 @@ void PrintTimeStamp(SectorView mbr) {
   std::cout << LineEnd;
 }
 
-void PrintMessage(int number, std::string_view separator, Bytes text) {
-  std::cout << "Error Message#" << number << separator;
-  PrintChars(text);
-  std::cout << " ]" << LineEnd;
-}
-
 void PrintSequentialMessages(SectorView mbr, u64 position) {
   for (int number = 1; number <= 3; ++number) {
     const Bytes rest = FromAt(mbr, position);
     const auto end = std::find(rest.begin(), rest.end(), u8{0});
-    PrintMessage(number, "  : [ ", rest);
+    PrintErrorMessage(number, "  : [ ", rest);
     position += static_cast<u64>(end - rest.begin()) + 1;
   }
 }
@@ -118,17 +104,17 @@ void PrintMessagesByOffset(SectorView mbr, u64 base) {
   const auto offsets = Part<kMessageOffsets, 3>(mbr);
   for (std::size_t i = 0; i < offsets.size(); ++i) {
     // A smaller offset than the first one's places the text before the base; outside the sector it is empty.
-    PrintMessage(static_cast<int>(i) + 1, " : [ ", FromAt(mbr, base + offsets[i] - offsets[0]));
+    PrintErrorMessage(static_cast<int>(i) + 1, " : [ ", FromAt(mbr, base + offsets[i] - offsets[0]));
   }
 }
 
 void PrintLoader(const Loader& loader, SectorView mbr) {
-  PrintCode(loader.heading, loader.heading.size(), StretchOf(loader.code, mbr));
+  PrintCodeSection(loader.heading, StretchOf(loader.code, mbr));
   if (loader.code == BootCode::kMbrWindows95B) {
     constexpr std::size_t kHyphens = 36;  // fewer than the heading has characters
     PrintTimeStamp(mbr);
-    PrintCode("Windows 95(B/98/98SE/ME Boot Loader (continued))", kHyphens,
-              StretchOf(BootCode::kMbrWindows95BContinued, mbr));
+    PrintCodeSection("Windows 95(B/98/98SE/ME Boot Loader (continued))", kHyphens,
+                     StretchOf(BootCode::kMbrWindows95BContinued, mbr));
   }
   if (loader.plan == MessagePlan::kSequential) {
     PrintSequentialMessages(mbr, loader.messages);
