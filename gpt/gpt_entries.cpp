@@ -1,0 +1,146 @@
+// GPT partition entries: type, extent, attributes and name of the partitions, one sector of the array at a
+// time.
+//
+// The array stands where a GPT header says, as a rule from sector 2 on and again before the backup header.
+// A sector holds as many 128-byte slots as fit, whatever entry size the header states. Little-endian.
+// Layout: UEFI, "GUID Partition Table (GPT) Disk Layout", GPT partition entry array; the attribute bits from
+// 59 on are those of Microsoft's own partition types.
+// Not checked: extents, which are shown and registered as found; the header's entry count; the CRC.
+
+#include <iostream>
+#include <vector>
+
+#include "frame/decode.h"
+#include "frame/decoders.h"
+#include "frame/fields.h"
+#include "frame/global.h"
+#include "frame/guid.h"
+#include "frame/names.h"
+#include "gpt/gpt_state.h"
+
+namespace trovisk {
+namespace {
+
+constexpr std::size_t kTypeGuid = 0x00;     // 16 bytes, all zero: unused entry
+constexpr std::size_t kUniqueGuid = 0x10;   // 16 bytes
+constexpr std::size_t kStartingLba = 0x20;  // u64
+constexpr std::size_t kEndingLba = 0x28;    // u64, inclusive
+constexpr std::size_t kAttributes = 0x30;   // u64
+constexpr std::size_t kName = 0x38;         // 36 UTF-16 code units, NUL-padded
+constexpr std::size_t kNameSize = 72;
+constexpr std::size_t kEntrySize = 128;
+
+using EntryView = FixedBytes<kEntrySize>;
+
+struct AttributeName {
+  unsigned bit;
+  std::string_view name;
+};
+
+// In the order of the report.
+constexpr AttributeName kAttributeNames[] = {
+    {63, "NO_DRIVE_LETTER "}, {62, "HIDDEN "},           {61, "SHADOW_COPY "},
+    {60, "READ_ONLY "},       {0, "PLATFORM_REQUIRED "}, {59, "STORAGE_DB "},
+};
+
+// A kind of partition whose first or last sector has a decoder.
+struct KnownPartition {
+  Guid type;
+  std::size_t sector;  // the entry's field that names that sector
+  SectorDecoder decoder;
+  WideText description;
+};
+
+constexpr Guid kStorageReplica("558D43C5-A1AC-43C0-AAC8-D1472B2923D1");
+
+constexpr KnownPartition kKnownPartitions[] = {
+    // LDM metadata
+    {Guid("5808C8AA-7E8F-42E0-85D2-E1E90434CFB3"), kEndingLba, DecodePrivhead, L"PRIVHEAD sector"},
+    // EFI system partition
+    {Guid("C12A7328-F81F-11D2-BA4B-00A0C93EC93B"), kStartingLba, DecodeFatBootSector,
+     L"EFI partition boot sector"},
+    // Storage Spaces
+    {Guid("E75CAF8F-F680-4CEE-AFA3-B001E56EFC2D"), kStartingLba, DecodeSpaceDb, L"SPACEDB sector"},
+    {kStorageReplica, kStartingLba, DecodeDpomSector, L"DPOM sector"},
+    // Microsoft basic data
+    {Guid("EBD0A0A2-B9E5-4433-87C0-68B6B72699C7"), kStartingLba, IdentifyBootSector, L"Generic Boot Sector"},
+    // Windows recovery environment
+    {Guid("DE94BBA4-06D1-4D40-A16A-BFD50179D6AC"), kStartingLba, IdentifyBootSector, L"Generic Boot Sector"},
+};
+
+void PrintAttributes(u64 attributes) {
+  std::cout << "\tAttributes            : ";
+  for (const AttributeName& attribute : kAttributeNames) {
+    if ((attributes >> attribute.bit & 1) != 0) std::cout << attribute.name;
+  }
+  if (attributes == 0) std::cout << "None";
+  std::cout << LineEnd;
+}
+
+// The whole field, with what stands behind its first NUL; nothing when it begins with one.
+void PrintName(FixedBytes<kNameSize> name) {
+  std::cout << "\tPartition Name        : [";
+  if (Le16<0>(name) != 0) PrintUtf16(name);
+  std::cout << " ]" << LineEnd;
+}
+
+void PrintReport(EntryView entry) {
+  const auto type = Part<kTypeGuid, 16>(entry);
+  std::cout << "\tPartition Type GUID   : { ";
+  PrintGuid(type);
+  std::cout << " }" << LineEnd;
+  std::cout << "\tPartition Type        : [ " << ToNarrow(GptTypeName(type)) << " ]" << LineEnd;
+  if (AllZero(type)) {
+    std::cout << LineEnd;
+    return;
+  }
+  std::cout << "\tPartition Unique GUID : { ";
+  PrintGuid(Part<kUniqueGuid, 16>(entry));
+  std::cout << " }" << LineEnd;
+
+  const u64 first = Le64<kStartingLba>(entry);
+  const u64 last = Le64<kEndingLba>(entry);
+  std::cout << "\tStarting LBA          : " << first << LineEnd;
+  std::cout << "\tEnding LBA            : " << last << LineEnd;
+  // Wraps where the end lies before the start, and where there are more bytes than 64 bits can say.
+  const u64 bytes = (last - first + 1) * disk.bytesPerSector;
+  std::cout << "\tPartition Size        : " << (bytes >> 20) << " (MiB)" << LineEnd;
+  PrintAttributes(Le64<kAttributes>(entry));
+  PrintName(Part<kName, kNameSize>(entry));
+  std::cout << LineEnd;
+}
+
+// Finds nothing in an unused entry.
+void Register(EntryView entry) {
+  const auto type = Part<kTypeGuid, 16>(entry);
+  for (const KnownPartition& known : kKnownPartitions) {
+    if (known.type == type) AddTocEntry(disk, Le64At(entry, known.sector), known.decoder, known.description);
+  }
+  // The sectors behind the first one, without the partition's last.
+  if (kStorageReplica == type) {
+    AddTocRun(disk, Le64<kStartingLba>(entry) + 1, Le64<kEndingLba>(entry), DecodeDpodSector, L"DPOD sector");
+  }
+}
+
+}  // namespace
+
+u64 DecodeGptEntries(WideText description, u64 sector, bool print) {
+  if (print) {
+    PrintSectorHeader(description, sector);
+    std::cout << LineEnd;
+  }
+  std::vector<u8> buffer(disk.bytesPerSector);
+  if (!ReadRecord(buffer)) return kEndPass;
+
+  for (Bytes slots = buffer; slots.size() >= kEntrySize; slots = slots.subspan(kEntrySize)) {
+    const EntryView entry = slots.first<kEntrySize>();
+    if (print) PrintReport(entry);
+    Register(entry);
+  }
+
+  const u64 next = sector + 1;
+  if (next < LastGptEntrySector) AddTocEntry(disk, next, DecodeGptEntries, L"GUID Partition Table");
+  return next;
+}
+
+}  // namespace trovisk

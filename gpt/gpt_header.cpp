@@ -1,0 +1,97 @@
+// GPT header: the extent of the partition entry array, and where the other copy of the header stands.
+//
+// Stands in sector 1, its backup as a rule in the last sector of the disk; this decoder reads both. The first
+// 92 bytes of a 512-byte record, whatever the sector size. Little-endian.
+// Layout: UEFI, "GUID Partition Table (GPT) Disk Layout", GPT header.
+// Checked: the signature. Not checked: either CRC, revision, sizes, and whether the sectors that it names
+// lie on the disk.
+
+#include <array>
+#include <iostream>
+
+#include "frame/decode.h"
+#include "frame/decoders.h"
+#include "frame/field_table.h"
+#include "frame/fields.h"
+#include "frame/global.h"
+#include "gpt/gpt_state.h"
+
+namespace trovisk {
+namespace {
+
+constexpr std::size_t kSignature = 0x00;    // "EFI PART"
+constexpr std::size_t kRevision = 0x08;     // four bytes
+constexpr std::size_t kHeaderSize = 0x0C;   // u32, bytes
+constexpr std::size_t kHeaderCrc = 0x10;    // u32
+constexpr std::size_t kOwnLba = 0x18;       // u64
+constexpr std::size_t kOtherLba = 0x20;     // u64: of the backup in the primary header, and the reverse
+constexpr std::size_t kFirstUsable = 0x28;  // u64
+constexpr std::size_t kLastUsable = 0x30;   // u64
+constexpr std::size_t kDiskGuid = 0x38;     // 16 bytes
+constexpr std::size_t kEntriesLba = 0x48;   // u64, first sector of the partition entry array
+constexpr std::size_t kEntryCount = 0x50;   // u32
+constexpr std::size_t kEntrySize = 0x54;    // u32, bytes
+constexpr std::size_t kEntriesCrc = 0x58;   // u32
+constexpr std::size_t kInterpreted = 0x5C;  // bytes; the rest is reserved
+
+constexpr FieldRow kFields[] = {
+    {"Header Size                 : ", kHeaderSize, Format::kLe32, 4, " (bytes)"},
+    {"CRC32 Checksum              : 0x", kHeaderCrc, Format::kReversedHexBytes, 4},
+    {"Primary Header LBA          : ", kOwnLba, Format::kLe64},
+    {"Backup Header LBA           : ", kOtherLba, Format::kLe64},
+    {"First Usable LBA            : ", kFirstUsable, Format::kLe64},
+    {"Last Usable LBA             : ", kLastUsable, Format::kLe64},
+    {"Disk GUID                   : { ", kDiskGuid, Format::kGuid, 16, " }"},
+    {"Number Of Partition Entries : ", kEntryCount, Format::kLe32},
+    {"Size Of A Partition Entry   : ", kEntrySize, Format::kLe32, 4, " (bytes)"},
+    {"First Partition Entry LBA   : ", kEntriesLba, Format::kLe64},
+};
+static_assert(FieldsFit(kFields, kInterpreted));
+
+// The revision as one number. The weights are this report's own: revision 1.0, bytes 00 00 01 00, gives 10.
+double RevisionNumber(FixedBytes<4> revision) {
+  return revision[0] * 1000.0 + revision[1] * 100.0 + revision[2] * 10.0 + revision[3] / 10.0;
+}
+
+// An array that ends inside a sector is taken to end with the sector before; the sum may wrap.
+u64 LastEntrySector(SectorView header) {
+  const u64 bytes = u64{Le32<kEntryCount>(header)} * Le32<kEntrySize>(header);
+  return bytes / disk.bytesPerSector + Le64<kEntriesLba>(header) - 1;
+}
+
+void PrintReport(SectorView header) {
+  std::cout << "Magic Number                : [EFI PART]" << LineEnd;
+  std::cout << "Revision                    : " << RevisionNumber(Part<kRevision, 4>(header)) << LineEnd;
+  PrintFields(header, kFields);
+  std::cout << "Last Partitition Entry LBA  : " << LastGptEntrySector << LineEnd;
+  std::cout << "Partition Entry CRC32       : 0x";
+  PrintReversedHexBytes(Part<kEntriesCrc, 4>(header));
+  std::cout << LineEnd << LineEnd;
+}
+
+}  // namespace
+
+u64 DecodeGptHeader(WideText description, u64 sector, bool print) {
+  if (print) {
+    PrintSectorHeader(description, sector);
+    std::cout << LineEnd;
+  }
+  std::array<u8, 512> record{};
+  if (!ReadRecord(record)) return kEndPass;
+  const SectorView header(record);
+  if (!EqualsText(Part<kSignature, 8>(header), "EFI PART")) {
+    ErrorLine() << "**** No EFI magic found ****\n";
+    return kEndPass;
+  }
+
+  LastGptEntrySector = LastEntrySector(header);
+  if (print) PrintReport(header);
+
+  // The sectors between the two are registered by the entry decoder, each by the one before.
+  AddTocEntry(disk, Le64<kEntriesLba>(header), DecodeGptEntries, L"GUID Partition Table Start");
+  AddTocEntry(disk, LastGptEntrySector, DecodeGptEntries, L"GUID Partition Table End");
+  AddTocEntry(disk, Le64<kOtherLba>(header), DecodeGptHeader, L"Backup GPT Header");
+  return sector + 1;
+}
+
+}  // namespace trovisk
