@@ -1,0 +1,43 @@
+#include "tests/support/limits.h"
+
+#include <sys/resource.h>
+
+namespace trovisk::test {
+namespace {
+
+constexpr rlim_t kSeconds = 10;
+constexpr long kMemoryKiB = 64 * 1024;
+
+// The sanitizers' own memory is far beyond the limit.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kMemoryCounts = false;
+#elif defined(__has_feature)
+constexpr bool kMemoryCounts = !__has_feature(address_sanitizer);
+#else
+constexpr bool kMemoryCounts = true;
+#endif
+
+}  // namespace
+
+Outcome RunOnWithinLimits(const Disk& disk, const std::vector<std::string>& arguments) {
+  // The program inherits the limit and counts from zero; this process needs what it has used on top.
+  rusage own{};
+  getrusage(RUSAGE_SELF, &own);
+  rlimit before{};
+  getrlimit(RLIMIT_CPU, &before);
+  rlimit limit = before;
+  limit.rlim_cur = static_cast<rlim_t>(own.ru_utime.tv_sec + own.ru_stime.tv_sec) + kSeconds;
+  setrlimit(RLIMIT_CPU, &limit);
+  Outcome outcome = RunOn(disk, arguments);
+  setrlimit(RLIMIT_CPU, &before);
+
+  EXPECT_LT(outcome.status, 256) << "the program was ended by signal " << outcome.status - 256;
+  rusage children{};
+  getrusage(RUSAGE_CHILDREN, &children);
+  if (kMemoryCounts) {
+    EXPECT_LT(children.ru_maxrss, kMemoryKiB) << "KiB of memory";
+  }
+  return outcome;
+}
+
+}  // namespace trovisk::test
