@@ -5,6 +5,7 @@
 // keeps them.
 // Not checked: the end mark, the entries' extents.
 
+#include <algorithm>
 #include <array>
 #include <iostream>
 #include <span>

@@ -1,0 +1,300 @@
+// Partition table entries: what is printed of one, and what its type registers.
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "tests/disks/mbr.h"
+#include "tests/support/expected.h"
+
+namespace trovisk::test {
+namespace {
+
+// The name of every listed type byte.
+const std::map<int, std::string> kNames = {
+    {0x01, "FAT-12"},
+    {0x02, "Xenix root"},
+    {0x03, "Xenix user"},
+    {0x04, "FAT-16 < 32MBytes"},
+    {0x05, "Extended"},
+    {0x06, "BIGDOS FAT-16"},
+    {0x07, "NTFS"},
+    {0x08, "AIX"},
+    {0x09, "AIX bootable"},
+    {0x0A, "OS/2 Boot Manager"},
+    {0x0B, "Win95 FAT-32"},
+    {0x0C, "Win95 FAT-32 (LBA"},
+    {0x0E, "Win95 FAT-16 (LBA"},
+    {0x0F, "Win95 Extended (LBA"},
+    {0x10, "OPUS"},
+    {0x11, "Hidden FAT-12"},
+    {0x12, "EISA / Compaq diagnostic"},
+    {0x14, "Hidden FAT-16 < 32 MBytes"},
+    {0x16, "Hidden FAT-16"},
+    {0x17, "Hidden HPFS/NTFS"},
+    {0x18, "AST SmartSleep"},
+    {0x1B, "Hidden Windows 95 FAT-32"},
+    {0x1C, "Hidden Windows 95 FAT-32"},
+    {0x24, "NEC DOS"},
+    {0x39, "Plan 9"},
+    {0x3C, "PartitionMagic"},
+    {0x40, "Venix 80286"},
+    {0x41, "PPC PRep Boot"},
+    {0x42, "Dynamic Disk"},
+    {0x4D, "QNX4.x"},
+    {0x4E, "QNX4.x 2nd part"},
+    {0x4F, "QNX4.x 3rd part"},
+    {0x50, "OnTrack DM"},
+    {0x51, "OnTrack DM6 Aux"},
+    {0x52, "CP/M"},
+    {0x53, "OnTrack DM6 Aux"},
+    {0x54, "OnTrackDM6"},
+    {0x55, "EZ-Drive"},
+    {0x56, "Golden Bow"},
+    {0x5C, "Priam Edisk"},
+    {0x61, "SpeedStor"},
+    {0x63, "GNU HURD or Sys"},
+    {0x64, "Novell Netware"},
+    {0x65, "Novell Netware"},
+    {0x70, "DiskSecure Mult"},
+    {0x80, "Old Minix"},
+    {0x81, "Minix / Old Linux"},
+    {0x82, "Linux swap"},
+    {0x83, "Linux ext2"},
+    {0x84, "OS/2 hidden C:"},
+    {0x85, "Linux extended"},
+    {0x86, "Legacy FT FAT-16"},
+    {0x87, "Legacy FT NTFS"},
+    {0x8B, "Legacy FT FAT-32"},
+    {0x8C, "Legacy FT FAT-32 (LBA"},
+    {0x8E, "Linux LVM"},
+    {0x93, "Amoeba"},
+    {0x94, "Amoeba BBT"},
+    {0x9F, "BSD/OS"},
+    {0xA0, "IBM Thinkpad hi"},
+    {0xA5, "FreeBSD"},
+    {0xA6, "OpenBSD"},
+    {0xA7, "NeXTSTEP"},
+    {0xA8, "Darwin UFS"},
+    {0xA9, "NetBSD"},
+    {0xB7, "BSDI fs"},
+    {0xB8, "BSDI swap"},
+    {0xBB, "Boot Wizard hid"},
+    {0xBF, "Solaris"},
+    {0xC1, "DRDOS/sec (FAT-"},
+    {0xC4, "DRDOS/sec (FAT-"},
+    {0xC6, "DRDOS/sec (FAT-"},
+    {0xC7, "Syrinx"},
+    {0xDA, "Non-FS data"},
+    {0xDB, "CP/M / CTOS"},
+    {0xDE, "Dell Utility"},
+    {0xDF, "BootIT"},
+    {0xE1, "DOS access"},
+    {0xE3, "DOS R/O"},
+    {0xE4, "SpeedStor"},
+    {0xEB, "BeOS fs"},
+    {0xEE, "EFI GPT"},
+    {0xEF, "EFI (FAT-12/16/32"},
+    {0xF0, "Linux/PA-RISC b"},
+    {0xF1, "SpeedStor"},
+    {0xF2, "DOS secondary"},
+    {0xF4, "SpeedStor"},
+    {0xFD, "Linux RAID auto"},
+    {0xFE, "LANstep"},
+    {0xFF, "BBT"},
+};
+
+std::string NameOf(int type) {
+  const auto found = kNames.find(type);
+  return found == kNames.end() ? "unknown" : found->second;
+}
+
+// What an inactive entry of that type registers in the sector that it points to.
+std::string DescriptionOf(int type) {
+  switch (type) {
+    case 0x01:
+    case 0x04:
+    case 0x06:
+    case 0x0E:
+      return "FAT Boot Sector";
+    case 0x0B:
+    case 0x0C:
+      return "FAT32 Boot Sector";
+    case 0x05:
+    case 0x0F:
+      return "Supplementary Boot Record";
+    case 0x07:
+      return "NTFS Boot Sector";
+    case 0xDE:
+      return "Dell Utility Partition";
+    default:
+      return "";
+  }
+}
+
+Disk DiskWith(const PartitionEntry& entry) {
+  Disk disk;
+  PutBootRecord(disk, 0, {.entries = {entry}});
+  return disk;
+}
+
+// The report's lines of the first entry.
+std::string EntryOf(const Disk& disk) {
+  const std::string heading = "Partition table entries\n\n";
+  const std::string report = ReportOf(disk, 0);
+  const std::size_t first = report.find(heading) + heading.size();
+  return report.substr(first, report.find("\n\n", first) + 2 - first);
+}
+
+// Of every type byte: its name, and the one sector that it registers. Four to a disk; those from 0xEC on make
+// the disk GPT, those from 0x40 on dynamic.
+TEST(PartitionEntry, NamesAndRegistersEveryType) {
+  for (int type = 0; type < 0x100; type += 4) {
+    SCOPED_TRACE(type);
+    BootRecord record;
+    std::string entries;
+    std::string rows = "         0\tMaster Boot Record\n";
+    if (type == 0xEC) rows += "         1\tPrimary GPT Header\n";
+    if (type == 0x40) rows += "         6\tPRIVHEAD Sector\n";
+    for (int i = 0; i < 4; ++i) {
+      const std::string first = std::to_string(100 + i);
+      record.entries[i] = {.type = static_cast<u8>(type + i), .first = static_cast<u32>(100 + i), .count = 1};
+      if (type + i == 0) {
+        entries += "\tEmpty\n\n";
+      } else {
+        entries += "\tInactive [ " + NameOf(type + i) + " ]\n\tC/H/S 0/0/0 - 0/0/0\n\tPartition Sectors [ " +
+                   first + " - " + first + " ]\n\n";
+      }
+      if (const std::string description = DescriptionOf(type + i); !description.empty()) {
+        rows += "       " + first + "\t" + description + "\n";
+      }
+    }
+    Disk disk;
+    PutBootRecord(disk, 0, record);
+    const std::string report = ReportOf(disk, 0);
+    EXPECT_NE(report.find("\nPartition table entries\n\n" + entries + "\n\nSector End Mark"),
+              std::string::npos)
+        << report << "\nexpected:\n"
+        << entries;
+    EXPECT_TRUE(SameText(TocOf(disk), rows));
+  }
+}
+
+// Only 0x80 is active, as printed.
+TEST(PartitionEntry, ActiveIsOneValueOfTheBootIndicator) {
+  for (const u8 indicator : std::vector<u8>{0x00, 0x01, 0x7F, 0x81, 0xFF}) {
+    const Disk disk = DiskWith({.bootIndicator = indicator, .type = 0x83, .first = 63, .count = 2});
+    EXPECT_EQ(EntryOf(disk),
+              "\tInactive [ Linux ext2 ]\n\tC/H/S 0/0/0 - 0/0/0\n\tPartition Sectors [ 63 - 64 ]\n\n");
+  }
+  const Disk disk = DiskWith({.bootIndicator = 0x80, .type = 0x83, .first = 63, .count = 2});
+  EXPECT_EQ(EntryOf(disk),
+            "\tActive   [ Linux ext2 ]\n\tC/H/S 0/0/0 - 0/0/0\n\tPartition Sectors [ 63 - 64 ]\n\n");
+}
+
+// The type alone makes an entry empty, whatever else stands in it.
+TEST(PartitionEntry, EmptyHidesEveryOtherField) {
+  const Disk disk =
+      DiskWith({.bootIndicator = 0x80, .startHead = 1, .endSector = 63, .first = 63, .count = 9});
+  EXPECT_EQ(EntryOf(disk), "\tEmpty\n\n");
+  EXPECT_EQ(TocOf(disk), "         0\tMaster Boot Record\n");
+}
+
+// On a dynamic disk only a partition that something may boot from holds a boot sector: any non-zero indicator
+// counts, though only 0x80 is shown as active.
+TEST(PartitionEntry, DynamicRegistersItsBootSectorUnlessTheIndicatorIsZero) {
+  const std::string rows = "         0\tMaster Boot Record\n         6\tPRIVHEAD Sector\n";
+  const std::string extent = "[ Dynamic Disk ]\n\tC/H/S 0/0/0 - 0/0/0\n\tPartition Sectors [ 63 - 162 ]\n\n";
+  PartitionEntry entry{.type = 0x42, .first = 63, .count = 100};
+  EXPECT_EQ(EntryOf(DiskWith(entry)), "\tInactive " + extent);
+  EXPECT_EQ(TocOf(DiskWith(entry)), rows);
+  entry.bootIndicator = 0x01;
+  EXPECT_EQ(EntryOf(DiskWith(entry)), "\tInactive " + extent);
+  EXPECT_EQ(TocOf(DiskWith(entry)), rows + "        63\tDynamic Boot Sector\n");
+  entry.bootIndicator = 0x80;
+  EXPECT_EQ(EntryOf(DiskWith(entry)), "\tActive   " + extent);
+  EXPECT_EQ(TocOf(DiskWith(entry)), rows + "        63\tDynamic Boot Sector\n");
+}
+
+TEST(PartitionEntry, LargestCountIsLarge) {
+  const Disk disk = DiskWith({.type = 0x83, .first = 63, .count = 0xFFFFFFFF});
+  EXPECT_EQ(EntryOf(disk),
+            "\tInactive [ Linux ext2 ]\n\tC/H/S 0/0/0 - 0/0/0\n\tPartition Sectors [ 63 - LARGE ]\n\n");
+}
+
+// One less than the largest count is a number like any other, and the sum wraps in 32 bits.
+TEST(PartitionEntry, LastSectorWrapsIn32Bits) {
+  const struct {
+    u32 first;
+    u32 count;
+    const char* extent;
+  } kCases[] = {
+      {63, 0xFFFFFFFE, "[ 63 - 60 ]"},
+      {0xFFFFFFFF, 2, "[ 4294967295 - 0 ]"},
+      {0xFFFFFFFF, 1, "[ 4294967295 - 4294967295 ]"},
+      {0x80000000, 0x80000000, "[ 2147483648 - 4294967295 ]"},
+      {63, 0, "[ 63 - 62 ]"},
+      {0, 0, "[ 0 - 4294967295 ]"},
+      {0, 0xFFFFFFFF, "[ 0 - LARGE ]"},
+  };
+  for (const auto& extents : kCases) {
+    const Disk disk = DiskWith({.type = 0x83, .first = extents.first, .count = extents.count});
+    EXPECT_EQ(EntryOf(disk),
+              std::string("\tInactive [ Linux ext2 ]\n\tC/H/S 0/0/0 - 0/0/0\n\tPartition Sectors ") +
+                  extents.extent + "\n\n");
+  }
+}
+
+// Bits 6 and 7 of the sector byte are bits 8 and 9 of the cylinder: 0x41 is sector 1 of 256 and up, 0xBF
+// sector 63 of 512 and up.
+TEST(PartitionEntry, CylinderTakesTwoBitsOfTheSectorByte) {
+  const Disk disk = DiskWith({.startHead = 1,
+                              .startSector = 0x41,
+                              .startCylinder = 2,
+                              .type = 0x83,
+                              .endHead = 254,
+                              .endSector = 0xBF,
+                              .endCylinder = 0xFE,
+                              .first = 63,
+                              .count = 1});
+  EXPECT_EQ(EntryOf(disk),
+            "\tInactive [ Linux ext2 ]\n\tC/H/S 258/1/1 - 766/254/63\n\tPartition Sectors [ 63 - 63 ]\n\n");
+  const Disk full = DiskWith({.startHead = 255,
+                              .startSector = 0xC0,
+                              .startCylinder = 0,
+                              .type = 0x83,
+                              .endHead = 255,
+                              .endSector = 0xFF,
+                              .endCylinder = 0xFF,
+                              .first = 63,
+                              .count = 1});
+  EXPECT_EQ(
+      EntryOf(full),
+      "\tInactive [ Linux ext2 ]\n\tC/H/S 768/255/0 - 1023/255/63\n\tPartition Sectors [ 63 - 63 ]\n\n");
+}
+
+TEST(PartitionEntry, FirstOfTwoPartitionsInOneSectorIsRegistered) {
+  Disk disk;
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x0F, .first = 100}, {.type = 0x07, .first = 100}}});
+  EXPECT_EQ(TocOf(disk), "         0\tMaster Boot Record\n       100\tSupplementary Boot Record\n");
+}
+
+// The planted sector 0 stays what it is.
+TEST(PartitionEntry, PartitionInSectorZeroChangesNothing) {
+  EXPECT_EQ(TocOf(DiskWith({.type = 0x07, .first = 0, .count = 10})), "         0\tMaster Boot Record\n");
+}
+
+// Overlapping partitions, and one beyond the end of the disk, are registered as found.
+TEST(PartitionEntry, ExtentsAreNotValidated) {
+  Disk disk;
+  PutBootRecord(disk, 0,
+                {.entries = {{.type = 0x07, .first = 100, .count = 1000},
+                             {.type = 0x07, .first = 500, .count = 1000},
+                             {.type = 0x07, .first = 0xFFFFFFFF, .count = 1000}}});
+  EXPECT_EQ(TocOf(disk),
+            "         0\tMaster Boot Record\n       100\tNTFS Boot Sector\n       500\tNTFS Boot Sector\n"
+            "4294967295\tNTFS Boot Sector\n");
+}
+
+}  // namespace
+}  // namespace trovisk::test
