@@ -103,10 +103,6 @@ void PrintHexKeepingBase(u64 value, int width) {
   std::cout.setf(base, std::ios_base::basefield);
 }
 
-void PrintTwoDigits(u8 value) {
-  std::cout << std::setw(2) << std::setfill('0') << unsigned{value};
-}
-
 void PrintHexBytes(Bytes bytes) {
   for (const u8 byte : bytes)
     PrintHexByte(byte);

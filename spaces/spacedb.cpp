@@ -61,17 +61,17 @@ void PrintCalendarTime(u64 fileTime) {
     std::cout << "n/a";
     return;
   }
-  PrintPadded(time.day, 2);
+  PrintTwoDigits(time.day);
   std::cout << "/";
-  PrintPadded(time.month, 2);
+  PrintTwoDigits(time.month);
   std::cout << "/";
   PrintPadded(time.year, 4);
   std::cout << " ";
-  PrintPadded(time.hour, 2);
+  PrintTwoDigits(time.hour);
   std::cout << ":";
-  PrintPadded(time.minute, 2);
+  PrintTwoDigits(time.minute);
   std::cout << ":";
-  PrintPadded(time.second, 2);
+  PrintTwoDigits(time.second);
 }
 
 void PrintReport(SectorView header) {
