@@ -32,10 +32,11 @@ Sector& PutSdbc(Disk& disk, u64 sector, const Sdbc& header) {
       .Be64(0x48, header.timeStamp);
 }
 
-Sector& PutSdbb(Disk& disk, u64 sector, const SdbbBlock& block) {
+Sector& PutSdbb(Disk& disk, u64 sector, std::vector<SdbbRecord> records) {
   Sector& bytes = disk.At(sector);
   std::size_t offset = 0;
-  for (const SdbbRecord& record : block.records) {
+  records.resize(8);
+  for (const SdbbRecord& record : records) {
     bytes.Text(offset, record.signature)
         .Be32(offset + 4, record.identifier)
         .Be32(offset + 8, record.parent)

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string_view>
+#include <vector>
 
 #include "tests/disks/disk.h"
 
@@ -52,10 +53,6 @@ struct SdbbRecord {
   u16 type = 0;
 };
 
-struct SdbbBlock {
-  SdbbRecord records[8] = {};
-};
-
 struct Dpod {
   std::string_view signature = "DPOD";
   u32 dataSize = 0;
@@ -74,7 +71,8 @@ struct Dpom {
 
 Sector& PutSpaceDb(Disk& disk, u64 sector, const SpaceDb& header);
 Sector& PutSdbc(Disk& disk, u64 sector, const Sdbc& header);
-Sector& PutSdbb(Disk& disk, u64 sector, const SdbbBlock& block);
+// At most eight records; those not given are as SdbbRecord is by default.
+Sector& PutSdbb(Disk& disk, u64 sector, std::vector<SdbbRecord> records = {});
 Sector& PutDpod(Disk& disk, u64 sector, const Dpod& record);
 Sector& PutDpom(Disk& disk, u64 sector, const Dpom& record);
 
