@@ -9,30 +9,15 @@
 namespace trovisk::test {
 namespace {
 
-// Rows of the table of contents for the sectors first..last.
-std::string Rows(u64 first, u64 last, const std::string& description) {
-  std::string rows;
-  for (u64 sector = first; sector <= last; ++sector) {
-    const std::string number = std::to_string(sector);
-    rows +=
-        std::string(number.size() < 10 ? 10 - number.size() : 0, ' ') + number + "\t" + description + "\n";
-  }
-  return rows;
-}
-
-std::string Row(u64 sector, const std::string& description) {
-  return Rows(sector, sector, description);
-}
-
 std::string FirstRows() {
-  return Row(0, "Master Boot Record") + Row(1, "Primary GPT Header");
+  return TocRow(0, "Master Boot Record") + TocRow(1, "Primary GPT Header");
 }
 
 // The primary array of a valid 512-byte disk, and what the loading pass finds at its end: the backup array
 // lies in front of the backup header, so only its first and last sector are known.
 std::string PrimaryArrayRows() {
-  return Row(2, "GUID Partition Table Start") + Rows(3, 32, "GUID Partition Table") +
-         Row(33, "GUID Partition Table End");
+  return TocRow(2, "GUID Partition Table Start") + TocRows(3, 32, "GUID Partition Table") +
+         TocRow(33, "GUID Partition Table End");
 }
 
 // The line of the primary header's report that begins with the label.
@@ -132,18 +117,19 @@ TEST(GptHeader, LastEntrySectorFromCountAndSize) {
 TEST(GptHeader, RegistersArrayAndBackup) {
   Disk disk;
   PutGpt(disk);
-  EXPECT_TRUE(
-      SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + Row(4063, "GUID Partition Table Start") +
-                                Row(4094, "GUID Partition Table End") + Row(4095, "Backup GPT Header")));
+  EXPECT_TRUE(SameText(TocOf(disk),
+                       FirstRows() + PrimaryArrayRows() + TocRow(4063, "GUID Partition Table Start") +
+                           TocRow(4094, "GUID Partition Table End") + TocRow(4095, "Backup GPT Header")));
 }
 
 TEST(GptHeader, RegistersArrayAndBackupWith4096ByteSectors) {
   Disk disk(256, 4096);
   PutGpt(disk);
   EXPECT_TRUE(SameText(
-      TocOf(disk), FirstRows() + Row(2, "GUID Partition Table Start") + Rows(3, 4, "GUID Partition Table") +
-                       Row(5, "GUID Partition Table End") + Row(251, "GUID Partition Table Start") +
-                       Row(254, "GUID Partition Table End") + Row(255, "Backup GPT Header")));
+      TocOf(disk), FirstRows() + TocRow(2, "GUID Partition Table Start") +
+                       TocRows(3, 4, "GUID Partition Table") + TocRow(5, "GUID Partition Table End") +
+                       TocRow(251, "GUID Partition Table Start") + TocRow(254, "GUID Partition Table End") +
+                       TocRow(255, "Backup GPT Header")));
 }
 
 // 16384 bytes are 25.6 sectors of 640 bytes: the array seems to end one sector early.
@@ -151,9 +137,9 @@ TEST(GptHeader, ArrayThatEndsInsideASectorOf640Bytes) {
   Disk disk(256, 640);
   PutGpt(disk);
   PutGptHeader(disk, 1, {.otherLba = 1});
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(2, "GUID Partition Table Start") +
-                                        Rows(3, 25, "GUID Partition Table") +
-                                        Row(26, "GUID Partition Table End")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(2, "GUID Partition Table Start") +
+                                        TocRows(3, 25, "GUID Partition Table") +
+                                        TocRow(26, "GUID Partition Table End")));
 }
 
 // 512 bytes are read from sector 1, so across five of these sectors.
@@ -172,8 +158,8 @@ TEST(GptHeader, NoEntriesPutTheEndInFrontOfTheStart) {
   Disk disk;
   PutProtectiveMbr(disk);
   PutGptHeader(disk, 1, {.otherLba = 1, .entriesLba = 10, .entryCount = 0});
-  EXPECT_TRUE(SameText(
-      TocOf(disk), FirstRows() + Row(9, "GUID Partition Table End") + Row(10, "GUID Partition Table Start")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(9, "GUID Partition Table End") +
+                                        TocRow(10, "GUID Partition Table Start")));
 }
 
 // One sector is both: the registration as the start comes first.
@@ -181,7 +167,7 @@ TEST(GptHeader, ArrayOfOneSectorIsItsStart) {
   Disk disk;
   PutProtectiveMbr(disk);
   PutGptHeader(disk, 1, {.otherLba = 1, .entryCount = 4});
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(2, "GUID Partition Table Start")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(2, "GUID Partition Table Start")));
 }
 
 // The array from sector 100 on is walked after the backup header at 50 was decoded, so as far as the backup's
@@ -191,11 +177,11 @@ TEST(GptHeader, BackupInFrontOfTheArraysDecidesWhereTheyEnd) {
   PutProtectiveMbr(disk);
   PutGptHeader(disk, 1, {.otherLba = 50, .entriesLba = 100});
   PutGptHeader(disk, 50, {.otherLba = 1, .entriesLba = 200});
-  EXPECT_TRUE(SameText(TocOf(disk),
-                       FirstRows() + Row(50, "Backup GPT Header") + Row(100, "GUID Partition Table Start") +
-                           Rows(101, 130, "GUID Partition Table") + Row(131, "GUID Partition Table End") +
-                           Rows(132, 199, "GUID Partition Table") + Row(200, "GUID Partition Table Start") +
-                           Rows(201, 230, "GUID Partition Table") + Row(231, "GUID Partition Table End")));
+  EXPECT_TRUE(SameText(
+      TocOf(disk), FirstRows() + TocRow(50, "Backup GPT Header") + TocRow(100, "GUID Partition Table Start") +
+                       TocRows(101, 130, "GUID Partition Table") + TocRow(131, "GUID Partition Table End") +
+                       TocRows(132, 199, "GUID Partition Table") + TocRow(200, "GUID Partition Table Start") +
+                       TocRows(201, 230, "GUID Partition Table") + TocRow(231, "GUID Partition Table End")));
 }
 
 // The same with a backup whose array lies in front: no sector of the primary's registers its successor.
@@ -204,10 +190,10 @@ TEST(GptHeader, BackupWithALowerArrayCutsThePrimaryOneOff) {
   PutProtectiveMbr(disk);
   PutGptHeader(disk, 1, {.otherLba = 50, .entriesLba = 100});
   PutGptHeader(disk, 50, {.otherLba = 1, .entriesLba = 60, .entryCount = 8});
-  EXPECT_TRUE(SameText(TocOf(disk),
-                       FirstRows() + Row(50, "Backup GPT Header") + Row(60, "GUID Partition Table Start") +
-                           Row(61, "GUID Partition Table End") + Row(100, "GUID Partition Table Start") +
-                           Row(131, "GUID Partition Table End")));
+  EXPECT_TRUE(SameText(
+      TocOf(disk), FirstRows() + TocRow(50, "Backup GPT Header") + TocRow(60, "GUID Partition Table Start") +
+                       TocRow(61, "GUID Partition Table End") + TocRow(100, "GUID Partition Table Start") +
+                       TocRow(131, "GUID Partition Table End")));
 }
 
 // A backup that cannot be read as a header leaves the end of the primary's array as it was.
@@ -221,9 +207,9 @@ TEST(GptHeader, DamagedBackupDecidesNothing) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, Preamble(disk, " sector 50") + "Reading sector # 50 [Backup GPT Header]\n\n");
   EXPECT_EQ(outcome.err, "**** No EFI magic found ****\n**** No EFI magic found ****\n");
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(50, "Backup GPT Header") +
-                                        Row(100, "GUID Partition Table Start") +
-                                        Row(131, "GUID Partition Table End")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(50, "Backup GPT Header") +
+                                        TocRow(100, "GUID Partition Table Start") +
+                                        TocRow(131, "GUID Partition Table End")));
 }
 
 // Whatever sector the backup is said to be in: one that is registered keeps its entry.
@@ -234,8 +220,8 @@ TEST(GptHeader, BackupInARegisteredSectorChangesNothing) {
     PutGptHeader(disk, 1, {.otherLba = other});
     // Sector 17 is not registered yet when the header is loaded, and then breaks the array in two.
     const std::string array =
-        other == 17 ? Row(2, "GUID Partition Table Start") + Rows(3, 16, "GUID Partition Table") +
-                          Row(17, "Backup GPT Header") + Row(33, "GUID Partition Table End")
+        other == 17 ? TocRow(2, "GUID Partition Table Start") + TocRows(3, 16, "GUID Partition Table") +
+                          TocRow(17, "Backup GPT Header") + TocRow(33, "GUID Partition Table End")
                     : PrimaryArrayRows();
     EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + array)) << other;
   }
@@ -248,7 +234,7 @@ TEST(GptHeader, MissingBackup) {
   const Outcome outcome = RunOn(disk);
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, "**** No EFI magic found ****\n**** No EFI magic found ****\n");
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + Row(4095, "Backup GPT Header")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + TocRow(4095, "Backup GPT Header")));
 }
 
 // Shown with the primary's own values, and no second array is known.
@@ -260,7 +246,7 @@ TEST(GptHeader, BackupEqualToThePrimary) {
   std::string expected = Expected("gpt_header.txt", disk);
   expected.replace(0, expected.find('\n'), "Reading sector # 4095 [Backup GPT Header]");
   EXPECT_TRUE(SameText(ReportOf(disk, 4095), expected));
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + Row(4095, "Backup GPT Header")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + TocRow(4095, "Backup GPT Header")));
 }
 
 // A backup in the middle of the disk, its array behind it: walked whole.
@@ -269,10 +255,10 @@ TEST(GptHeader, BackupInTheMiddleOfTheDisk) {
   PutProtectiveMbr(disk);
   PutGptHeader(disk, 1, {.otherLba = 1000});
   PutGptHeader(disk, 1000, {.entriesLba = 1001});
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + Row(1000, "Backup GPT Header") +
-                                        Row(1001, "GUID Partition Table Start") +
-                                        Rows(1002, 1031, "GUID Partition Table") +
-                                        Row(1032, "GUID Partition Table End")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + TocRow(1000, "Backup GPT Header") +
+                                        TocRow(1001, "GUID Partition Table Start") +
+                                        TocRows(1002, 1031, "GUID Partition Table") +
+                                        TocRow(1032, "GUID Partition Table End")));
 }
 
 // The whole signature counts. Both passes say so and end there; what else is registered stays unvisited.
@@ -291,7 +277,7 @@ TEST(GptHeader, WithoutSignatureEndsThePass) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, Preamble(disk, " sector 1") + "Reading sector # 1 [Primary GPT Header]\n\n");
     EXPECT_EQ(outcome.err, "**** No EFI magic found ****\n**** No EFI magic found ****\n");
-    EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(2048, "Supplementary Boot Record")));
+    EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(2048, "Supplementary Boot Record")));
   }
 }
 
@@ -310,7 +296,7 @@ TEST(GptHeader, BackupBeyondTheDiskCannotBeRead) {
   Disk disk;
   PutProtectiveMbr(disk);
   PutGptHeader(disk, 1, {.otherLba = 1000000});
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + Row(1000000, "Backup GPT Header")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + PrimaryArrayRows() + TocRow(1000000, "Backup GPT Header")));
   const Outcome outcome = RunOn(disk, {"-1", "-1"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, std::string(kReadFailure) + kReadFailure);
@@ -325,7 +311,7 @@ TEST(GptHeader, ArrayThatStartsInTheFirstTwoSectors) {
     Disk disk;
     PutProtectiveMbr(disk);
     PutGptHeader(disk, 1, {.otherLba = 1, .entriesLba = first});
-    EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(first + 31, "GUID Partition Table End")));
+    EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(first + 31, "GUID Partition Table End")));
   }
 }
 
@@ -336,8 +322,8 @@ TEST(GptHeader, ArrayBeyondTheDiskCannotBeRead) {
   const Outcome outcome = RunOn(disk);
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, kReadFailure);
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(1000000, "GUID Partition Table Start") +
-                                        Row(1000031, "GUID Partition Table End")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(1000000, "GUID Partition Table Start") +
+                                        TocRow(1000031, "GUID Partition Table End")));
 }
 
 // The last entry sector wraps around to the front of the disk.
@@ -347,10 +333,10 @@ TEST(GptHeader, ArrayThatStartsInTheLastSectorThereIs) {
   PutGptHeader(disk, 1, {.entriesLba = 18446744073709551615U});
   EXPECT_EQ(HeaderLine(disk, "First Partition"), "First Partition Entry LBA   : 18446744073709551615");
   EXPECT_EQ(HeaderLine(disk, "Last Partitition"), "Last Partitition Entry LBA  : 30");
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(30, "GUID Partition Table End") +
-                                        Row(4063, "GUID Partition Table Start") +
-                                        Row(4094, "GUID Partition Table End") +
-                                        Row(4095, "Backup GPT Header") +
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(30, "GUID Partition Table End") +
+                                        TocRow(4063, "GUID Partition Table Start") +
+                                        TocRow(4094, "GUID Partition Table End") +
+                                        TocRow(4095, "Backup GPT Header") +
                                         "18446744073709551615\tGUID Partition Table Start\n"));
 }
 
@@ -391,7 +377,7 @@ TEST(GptHeader, HybridMasterBootRecord) {
     record.entries[(slot + 1) % 4] = {.type = 0x07, .first = 1024, .count = 100};
     PutBootRecordBytes(disk, record);
     const std::string toc = TocOf(disk);
-    EXPECT_EQ(toc.find(FirstRows() + PrimaryArrayRows() + Row(1024, "NTFS Boot Sector")), 0) << toc;
+    EXPECT_EQ(toc.find(FirstRows() + PrimaryArrayRows() + TocRow(1024, "NTFS Boot Sector")), 0) << toc;
   }
 }
 
@@ -404,9 +390,9 @@ TEST(GptHeader, HugeArrayIsWalkedToTheEndOfTheDisk) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, "");
   // The last sector of the disk registers its successor, as every one does.
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(2, "GUID Partition Table Start") +
-                                        Rows(3, 64, "GUID Partition Table") +
-                                        Row(36028797002186753, "GUID Partition Table End")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(2, "GUID Partition Table Start") +
+                                        TocRows(3, 64, "GUID Partition Table") +
+                                        TocRow(36028797002186753, "GUID Partition Table End")));
 }
 
 // A hundred thousand array sectors take one run of the table, and no memory to speak of.
@@ -426,9 +412,10 @@ TEST(GptHeader, ArrayAcrossTheBackupHeader) {
   PutProtectiveMbr(disk);
   PutGptHeader(disk, 1, {.otherLba = 20});
   PutGptHeader(disk, 20, {.otherLba = 1, .entriesLba = 2});
-  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + Row(2, "GUID Partition Table Start") +
-                                        Rows(3, 19, "GUID Partition Table") + Row(20, "Backup GPT Header") +
-                                        Row(33, "GUID Partition Table End")));
+  EXPECT_TRUE(SameText(TocOf(disk), FirstRows() + TocRow(2, "GUID Partition Table Start") +
+                                        TocRows(3, 19, "GUID Partition Table") +
+                                        TocRow(20, "Backup GPT Header") +
+                                        TocRow(33, "GUID Partition Table End")));
 }
 
 }  // namespace

@@ -131,6 +131,18 @@ std::string TocOf(const Disk& disk) {
   return at == std::string::npos ? std::string() : outcome.out.substr(at + heading.size());
 }
 
+std::string TocRow(u64 sector, const std::string& description) {
+  const std::string number = std::to_string(sector);
+  return std::string(number.size() < 10 ? 10 - number.size() : 0, ' ') + number + "\t" + description + "\n";
+}
+
+std::string TocRows(u64 first, u64 last, const std::string& description) {
+  std::string rows;
+  for (u64 sector = first; sector <= last; ++sector)
+    rows += TocRow(sector, description);
+  return rows;
+}
+
 ::testing::AssertionResult SameText(const std::string& actual, const std::string& expected) {
   if (actual == expected) return ::testing::AssertionSuccess();
   const std::vector<std::string> got = Lines(actual);

@@ -34,6 +34,10 @@ std::string ReportOf(const Disk& disk, u64 sector, const std::string& loading = 
 // The table of contents that a whole-disk run ends with, rows only: "         0\tMaster Boot Record\n"...
 std::string TocOf(const Disk& disk);
 
+// Its row for one sector, and its rows for the sectors first..last, with that description.
+std::string TocRow(u64 sector, const std::string& description);
+std::string TocRows(u64 first, u64 last, const std::string& description);
+
 // Compares texts line by line, so that a failure shows the first line that differs and its neighbours.
 ::testing::AssertionResult SameText(const std::string& actual, const std::string& expected);
 
