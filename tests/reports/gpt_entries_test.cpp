@@ -305,7 +305,7 @@ TEST(GptEntries, EachKindRegistersItsSector) {
   };
   for (const std::string& rows : expected)
     EXPECT_NE(toc.find(rows), std::string::npos) << rows << toc;
-  for (const u64 none : {100, 299, 399, 404, 599, 699, 700, 799, 800, 899})
+  for (const u64 none : {100U, 299U, 399U, 404U, 599U, 699U, 700U, 799U, 800U, 899U})
     EXPECT_EQ(TocBetween(disk, none, none), "") << none;
 }
 

@@ -214,7 +214,7 @@ TEST(GptHeader, DamagedBackupDecidesNothing) {
 
 // Whatever sector the backup is said to be in: one that is registered keeps its entry.
 TEST(GptHeader, BackupInARegisteredSectorChangesNothing) {
-  for (const u64 other : {0, 1, 2, 17, 33}) {
+  for (const u64 other : {0U, 1U, 2U, 17U, 33U}) {
     Disk disk;
     PutProtectiveMbr(disk);
     PutGptHeader(disk, 1, {.otherLba = other});
@@ -307,7 +307,7 @@ TEST(GptHeader, BackupBeyondTheDiskCannotBeRead) {
 // The master boot record and the header keep their entries; the walk goes on behind the header, so that only
 // the end is visited.
 TEST(GptHeader, ArrayThatStartsInTheFirstTwoSectors) {
-  for (const u64 first : {0, 1}) {
+  for (const u64 first : {0U, 1U}) {
     Disk disk;
     PutProtectiveMbr(disk);
     PutGptHeader(disk, 1, {.otherLba = 1, .entriesLba = first});

@@ -6,7 +6,7 @@ namespace trovisk::test {
 namespace {
 
 constexpr rlim_t kSeconds = 10;
-constexpr long kMemoryKiB = 64 * 1024;
+constexpr long kMemoryKiB = 64L * 1024;
 
 // The sanitizers' own memory is far beyond the limit.
 #if defined(__SANITIZE_ADDRESS__)
