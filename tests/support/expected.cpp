@@ -41,13 +41,14 @@ std::string Rows(const std::vector<u8>& bytes) {
   return text;
 }
 
-std::string Code(const std::vector<u8>& bytes) {
-  std::string text = "\t";
+// Sixteen bytes to a line, later lines led by an indent.
+std::string Cells(const std::vector<u8>& bytes, const std::string& indent) {
+  std::string text;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
-    if (i > 0 && i % 16 == 0) text += "\n\t";
+    if (i > 0 && i % 16 == 0) text += "\n" + indent;
     text += Hex(bytes[i], 2) + " ";
   }
-  return text + "\n";
+  return text;
 }
 
 std::string Digits(const std::vector<u8>& bytes) {
@@ -69,7 +70,8 @@ std::string Directive(const std::string& directive, const Disk& disk) {
     return "\n       00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f\n\n" + Rows(bytes) + "\n";
   }
   if (verb == "rows") return Rows(bytes);
-  if (verb == "code") return Code(bytes);
+  if (verb == "code") return "\t" + Cells(bytes, "\t") + "\n";
+  if (verb == "data") return Cells(bytes, "                ");
   if (verb == "hex") return Digits(bytes);
   ADD_FAILURE() << "unknown directive: " << directive;
   return {};

@@ -16,7 +16,9 @@ namespace trovisk::test {
 //   0
 //   {{code N OFFSET COUNT}} those bytes as a code listing: a tab, sixteen to a line
 //   {{hex N OFFSET COUNT}}  those bytes as digits with nothing between, no line end of its own
-// The last form may also stand inside a line. They are formatted by code of the tests' own.
+//   {{data N OFFSET COUNT}} those bytes as digits and a blank each, sixteen to a line, later lines led by 16
+//   blanks, no line end of its own
+// The last two may also stand inside a line. They are formatted by code of the tests' own.
 std::string Expected(const std::string& name, const Disk& disk);
 
 // The same for a text in the test itself.

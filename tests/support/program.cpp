@@ -1,6 +1,7 @@
 #include "tests/support/program.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -84,9 +85,10 @@ Outcome RunProgram(Build build, const std::vector<std::string>& arguments,
     _exit(127);
   }
   int status = 0;
-  waitpid(child, &status, 0);
+  rusage usage{};
+  wait4(child, &status, 0, &usage);
   Outcome outcome{ReadFile(outPath), ReadFile(errPath),
-                  WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status)};
+                  WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status), usage.ru_maxrss};
   std::filesystem::remove(outPath);
   std::filesystem::remove(errPath);
   return outcome;

@@ -15,7 +15,8 @@ namespace trovisk::test {
 struct Outcome {
   std::string out;  // standard output, standard error: line ends as '\n'
   std::string err;
-  int status = -1;  // the exit status; 256 + the signal's number when one ended the program
+  int status = -1;   // the exit status; 256 + the signal's number when one ended the program
+  long peakKiB = 0;  // the most memory that the program held at a time
 };
 
 // Which build: the shipped one, which knows the published boot code, or the same program with a catalogue of

@@ -1,0 +1,134 @@
+// PRIVHEAD, the private header of a dynamic disk: which disk it is, and where its configuration area lies.
+//
+// Stands in sector 6 of an MBR disk and in the last sector of a GPT disk's LDM metadata partition; two
+// alternates stand in the configuration area. Big-endian; most numbers lie at odd offsets.
+// Layout: the Linux-NTFS project's LDM documentation, "PRIVHEAD".
+// Checked: the signature. Not checked: every extent, which is registered as found.
+
+#include <array>
+#include <iostream>
+
+#include "frame/decode.h"
+#include "frame/decoders.h"
+#include "frame/field_table.h"
+#include "frame/fields.h"
+#include "frame/global.h"
+#include "ldm/ldm_state.h"
+
+namespace trovisk {
+namespace {
+
+constexpr std::size_t kSignature = 0x000;  // "PRIVHEAD"
+constexpr std::size_t kSequence = 0x008;   // u32
+constexpr std::size_t kMajorVersion = 0x00C;
+constexpr std::size_t kMinorVersion = 0x00E;
+constexpr std::size_t kTimestamp = 0x010;   // FILETIME
+constexpr std::size_t kAlternate1 = 0x020;  // u64, relative to the configuration start
+constexpr std::size_t kAlternate2 = 0x028;
+constexpr std::size_t kDiskId = 0x030;     // 64 bytes of text
+constexpr std::size_t kHostId = 0x070;     // 64 bytes of text
+constexpr std::size_t kGroupId = 0x0B0;    // 64 bytes of text
+constexpr std::size_t kGroupName = 0x0F0;  // 32 bytes of text
+constexpr std::size_t kLogicalStart = 0x11B;
+constexpr std::size_t kLogicalEnd = 0x123;
+constexpr std::size_t kConfigStart = 0x12B;  // u64, absolute
+constexpr std::size_t kConfigSize = 0x133;
+constexpr std::size_t kTocCount = 0x13B;
+constexpr std::size_t kTocSize = 0x143;      // u64, sectors
+constexpr std::size_t kConfigCount = 0x14B;  // u32
+constexpr std::size_t kLogCount = 0x14F;     // u32
+constexpr std::size_t kConfigRegionSize = 0x153;
+constexpr std::size_t kLogRegionSize = 0x15B;
+constexpr std::size_t kDiskSignature = 0x163;  // 4 bytes
+constexpr std::size_t kDiskSetId = 0x167;      // 16 bytes in the order in which they are shown
+constexpr std::size_t kDiskSetIdCopy = 0x177;
+
+constexpr FieldRow kVersionRows[] = {
+    {"Sequence                   : ", kSequence, Format::kBe32},
+    {"Major Number               : 0x", kMajorVersion, Format::kHexBytes, 2},
+    {"Minor Number               : 0x", kMinorVersion, Format::kHexBytes, 2},
+};
+constexpr FieldRow kIdentityRows[] = {
+    {"Disk ID GUID               : {", kDiskId, Format::kChars, 64, "}"},
+    {"Host ID GUID               : {", kHostId, Format::kChars, 64, "}"},
+    {"Disk Group ID GUID         : {", kGroupId, Format::kChars, 64, "}"},
+    {"Disk Group Name            : [", kGroupName, Format::kChars, 32, "]"},
+    {"Logical Disk Start Sector  : ", kLogicalStart, Format::kBe64},
+    {"Logical Disk End Sector    : ", kLogicalEnd, Format::kBe64},
+    {"Configuration Start Sector : ", kConfigStart, Format::kBe64},
+    {"Configuration Size         : ", kConfigSize, Format::kBe64, 0, " (sectors)"},
+    {"Number of TOCs             : ", kTocCount, Format::kBe64},
+    {"Size of TOC                : ", kTocSize, Format::kBe64, 0, " (sectors)"},
+    {"Number of Configs.         : ", kConfigCount, Format::kBe32},
+    {"Size of Config.            : ", kConfigRegionSize, Format::kBe64, 0, " (sectors)"},
+    {"Number of Logs             : ", kLogCount, Format::kBe32},
+    {"Size of Log                : ", kLogRegionSize, Format::kBe64, 0, " (sectors)"},
+    {"Disk Signature             : 0x", kDiskSignature, Format::kHexBytes, 4},
+    {"Disk Set GUID              : {", kDiskSetId, Format::kStoredGuid, 0, "}"},
+    {"Disk Set GUID (copy?)      : {", kDiskSetIdCopy, Format::kStoredGuid, 0, "}"},
+};
+static_assert(FieldsFit(kVersionRows, 512) && FieldsFit(kIdentityRows, 512));
+
+void PrintReport(SectorView header) {
+  std::cout << "Magic Number               : [PRIVHEAD]" << LineEnd;
+  PrintFields(header, kVersionRows);
+  std::cout << "Timestamp                  : ";
+  PrintFileTime(Be64<kTimestamp>(header));
+  std::cout << LineEnd;
+  PrintFields(header, kIdentityRows);
+  std::cout << LineEnd;
+}
+
+bool IsVersion2Point12(SectorView header) {
+  return Be16<kMajorVersion>(header) == 2 && Be16<kMinorVersion>(header) == 12;
+}
+
+// Four places where a copy of the table of contents may stand; version 2.12 uses the inner two only.
+void RegisterTocBlocks(SectorView header, bool print) {
+  const u64 configStart = Be64<kConfigStart>(header);
+  const u64 tocSize = Be64<kTocSize>(header);
+  const u64 candidates[] = {configStart + 1, configStart + 2, configStart + tocSize,
+                            configStart + tocSize + 1};
+  const bool innerOnly = IsVersion2Point12(header);
+  const std::size_t first = innerOnly ? 1 : 0;
+  const std::size_t end = innerOnly ? 3 : 4;
+  for (std::size_t i = first; i < end; ++i) {
+    if (print) std::cout << "TOC #" << i + 1 << " starts @ sector     : " << candidates[i] << LineEnd;
+    AddTocEntry(disk, candidates[i], DecodeTocBlock, L"TOC Sector");
+  }
+}
+
+}  // namespace
+
+u64 DecodePrivhead(WideText description, u64 sector, bool print) {
+  if (print) {
+    PrintSectorHeader(description, sector);
+    std::cout << LineEnd;
+  }
+  std::array<u8, 512> buffer{};
+  if (!ReadRecord(buffer)) return kEndPass;
+  const SectorView header(buffer);
+  if (!EqualsText(Part<kSignature, 8>(header), "PRIVHEAD")) {
+    ErrorLine() << "**** No PRIVHEAD magic found ****\n";
+    return kEndPass;
+  }
+
+  if (print) PrintReport(header);
+  LdmConfigStartSector = Be64<kConfigStart>(header);
+  const u64 alternate1 = LdmConfigStartSector + Be64<kAlternate1>(header);
+  const u64 alternate2 = LdmConfigStartSector + Be64<kAlternate2>(header);
+  if (print) {
+    std::cout << "Alt. PRIVHEAD #1 @ sector  : " << alternate1 << LineEnd;
+    std::cout << "Alt. PRIVHEAD #2 @ sector  : " << alternate2 << LineEnd << LineEnd;
+  }
+  RegisterTocBlocks(header, print);
+  std::cout << LineEnd;  // in the loading pass too
+  AddTocEntry(disk, alternate1, DecodePrivhead, L"Alternate PRIVHEAD Sector");
+  AddTocEntry(disk, alternate2, DecodePrivhead, L"Alternate PRIVHEAD Sector");
+
+  if (!SeekToSector(sector)) return kEndPass;
+  DumpRawSector(L"as a raw sector", sector, print);
+  return sector + 1;
+}
+
+}  // namespace trovisk

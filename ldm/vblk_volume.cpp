@@ -1,0 +1,104 @@
+// VBLK records of volumes.
+//
+// Fields in the order of the disk, big-endian, each where the one before it ends; four of them are there only
+// when a flag is set. Layout: the Linux-NTFS project's LDM documentation, "VBLK". Nothing is checked:
+// lengths are trusted up to the sector's end.
+
+#include <iostream>
+
+#include "frame/fields.h"
+#include "frame/names.h"
+#include "ldm/vblk_fields.h"
+#include "ldm/vblk_records.h"
+
+namespace trovisk {
+namespace {
+
+constexpr u8 kHasDriveHint = 0x02;
+constexpr u8 kHasId1 = 0x08;
+constexpr u8 kHasId2 = 0x20;
+constexpr u8 kHasChildSize = 0x80;
+
+constexpr u64 kStateSize = 14;  // the one text without a length byte
+
+// A list behind a length byte; no line when that is zero.
+void PrintAttributes(FieldCursor& fields) {
+  const u8 count = fields.Byte();
+  if (count == 0) return;
+  std::cout << "\tAttributes         :";
+  for (const u8 attribute : fields.Take(count)) {
+    std::cout << " 0x";
+    PrintHexByte(attribute);
+  }
+  std::cout << LineEnd;
+}
+
+void PrintNormalOrRaid(std::string_view label, u8 value, u8 normal, u8 raid) {
+  std::cout << label;
+  if (value == normal) {
+    std::cout << "[ Normal ]";
+  } else if (value == raid) {
+    std::cout << "[ RAID ]";
+  } else {
+    std::cout << "0x";
+    PrintHexByte(value);
+  }
+  std::cout << LineEnd;
+}
+
+// A number behind a length byte; no line when that is zero.
+void PrintUnknownNumber(FieldCursor& fields) {
+  const u8 length = fields.Byte();
+  if (length == 0) return;
+  std::cout << "\tUnknown            : 0x";
+  PrintHex(fields.Number(length), 0);
+  std::cout << LineEnd;
+}
+
+void PrintPartitionType(u8 type) {
+  std::cout << "\tPartition Type     : 0x";
+  PrintHexByte(type);
+  std::cout << " (" << ToNarrow(PartitionTypeName(type)) << ")" << LineEnd;
+}
+
+// In sectors of 512 bytes, whatever the disk's are.
+void PrintChildSize(u64 sectors) {
+  std::cout << "\tSize (if childen) : " << sectors << "(" << (sectors << 9 >> 20) << " MiB)" << LineEnd;
+}
+
+}  // namespace
+
+void PrintVolume(Bytes data, u8 flags) {
+  FieldCursor fields(data, FirstField(flags));
+  std::cout << LineEnd;
+  PrintHeading("VBLK Volume", "\t");
+  PrintIdentifierLine("\tObject Id.         : 0x", fields.Sized());
+  PrintTextLine("\tName               : [ ", fields.Sized());
+  PrintTextLine("\tVolume Type        : [ ", fields.Sized());
+  PrintAttributes(fields);
+  PrintTextLine("\tVolume State       : [ ", fields.Take(kStateSize));
+  PrintNormalOrRaid("\tVolume Type        : ", fields.Byte(), 3, 4);
+  fields.Skip(1);
+  PrintNumberLine("\tVolume Number      : ", fields.Byte());
+  fields.Skip(3);
+  PrintNormalOrRaid("\tFlags              : ", fields.Byte(), 0x11, 0x13);
+  PrintNumberLine("\tNumber Of Children : ", fields.SizedNumber());
+  PrintNumberLine("\tLog Commit Id.     : ", fields.Number(8));
+  PrintNumberLine("\tDuplicate?         : ", fields.Number(8));
+  PrintSizeLine("\tSize               : ", fields.SizedNumber());
+  PrintUnknownNumber(fields);
+  fields.Skip(3);
+  PrintPartitionType(fields.Byte());
+  PrintGuidLine("\tVolume Id.         : { ", fields.Take(16));
+  if ((flags & kHasId1) != 0) PrintIdentifierLine("\tId1?               : 0x", fields.Sized());
+  if ((flags & kHasId2) != 0) PrintIdentifierLine("\tId2?               : 0x", fields.Sized());
+  if ((flags & kHasChildSize) != 0) PrintChildSize(fields.SizedNumber());
+  if ((flags & kHasDriveHint) != 0) PrintTextLine("\tDrive Hint         : [ ", fields.Sized());
+  if (FirstField(flags) == 0) std::cout << LineEnd;
+  PrintGuidLine("\tVolume Id2.        : { ", fields.Take(16));
+  std::cout << "\tUnknown.           : 0x";
+  PrintHexByte(fields.Byte());
+  std::cout << " }" << LineEnd << LineEnd;
+}
+
+}  // namespace trovisk
