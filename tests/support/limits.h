@@ -8,8 +8,9 @@
 namespace trovisk::test {
 
 // RunOn with a limit of processor time, beyond which the program is killed. Fails the test when that happens,
-// and when any run so far took 64 MiB of memory or more.
-Outcome RunOnWithinLimits(const Disk& disk, const std::vector<std::string>& arguments = {});
+// and when the run took so much memory or more.
+Outcome RunOnWithinLimits(const Disk& disk, const std::vector<std::string>& arguments = {},
+                          long memoryKiB = 64L * 1024);
 
 }  // namespace trovisk::test
 
