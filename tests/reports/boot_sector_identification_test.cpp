@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/disks/boot_code.h"
+#include "tests/disks/ldm.h"
 #include "tests/disks/mbr.h"
 #include "tests/support/expected.h"
 
@@ -182,11 +183,12 @@ TEST(BootSectorIdentification, TableKeepsTheDescriptionOfThePartition) {
   Disk disk = DiskWithCode(BootCode::kNtfsVista);
   PutBootRecord(disk, 0,
                 {.entries = {{.bootIndicator = 0x80, .type = 0x42, .first = kBootSector, .count = 1000}}});
+  PutPrivhead(disk, 6, {.configStart = 2000});  // without it the walk would end there
   const std::string refusal = "Not a valid NTFS boot sector end marker @ sector # 63\n";
   const Outcome outcome = RunOn(disk, {"63"});
   EXPECT_TRUE(outcome.out.ends_with("\nReading sector # 63 [Vista NTFS boot sector]\n" + refusal))
       << outcome.out;
-  EXPECT_TRUE(TocOf(disk).ends_with("        63\tDynamic Boot Sector\n"));
+  EXPECT_NE(TocOf(disk).find("\n        63\tDynamic Boot Sector\n"), std::string::npos);
 }
 
 // A refused volume ends the loading pass, so the extended record behind it stays unread; an unknown one goes
