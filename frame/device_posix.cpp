@@ -1,6 +1,7 @@
 // The operating system's side on Linux: block devices by number or path, and image files.
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,10 +15,11 @@
 #include <fstream>
 #include <limits>
 #include <memory>
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "frame/device.h"
+#include "frame/disk_numbers.h"
 
 #ifdef __linux__
 #include <linux/fs.h>
@@ -48,38 +50,19 @@ int OpenReadOnly(const std::string& path, int flags) {
   return moved;
 }
 
-// Whether the kernel's name is that of a whole disk, and of a kind that is counted as one.
-bool IsWholeDisk(std::string name) {
-  for (const char* other : {"loop", "ram", "zram", "fd", "sr", "dm-"}) {
-    const std::size_t length = std::strlen(other);
-    if (name.compare(0, length, other) == 0 &&
-        name.find_first_not_of("0123456789", length) == std::string::npos) {
-      return false;
-    }
-  }
-  for (char& character : name) {
-    if (character == '/') character = '!';  // as sysfs writes it
-  }
-  const std::string entry = "/sys/class/block/" + name;
-  return access(entry.c_str(), F_OK) != 0 || access((entry + "/partition").c_str(), F_OK) != 0;
+bool IsPartition(const std::string& name) {
+  std::string entry = name;
+  std::replace(entry.begin(), entry.end(), '/', '!');  // as sysfs writes it
+  return access(("/sys/class/block/" + entry + "/partition").c_str(), F_OK) == 0;
 }
 
-// The path of the disk of that number, counted in the kernel's order of discovery; empty when there is none.
-std::string DiskOfNumber(const char* digits) {
-  u64 wanted = 0;
-  if (std::from_chars(digits, digits + std::strlen(digits), wanted).ec != std::errc()) return {};
+// The path of the disk of that number; empty when there is none.
+std::string DiskOfNumber(const std::string& digits) {
+  u64 number = 0;
+  if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc()) return {};
   std::ifstream partitions("/proc/partitions");
-  std::string line;
-  while (std::getline(partitions, line)) {
-    std::istringstream fields(line);
-    u64 major = 0;
-    u64 minor = 0;
-    u64 blocks = 0;
-    std::string name;
-    if (!(fields >> major >> minor >> blocks >> name) || !IsWholeDisk(name)) continue;
-    if (wanted-- == 0) return "/dev/" + name;
-  }
-  return {};
+  const std::vector<std::string> disks = NumberedDisks(partitions, IsPartition);
+  return number < disks.size() ? "/dev/" + disks[number] : std::string();
 }
 
 // Splits "PATH@N", N a decimal number of bytes per sector; 0 where the argument does not have that form.
@@ -137,16 +120,17 @@ ssize_t ReadUnbuffered(Device& device, u8* buffer, u32 count) {
 ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* argument) {
   std::string path = argument;
   if (!path.empty() && path.find_first_not_of("0123456789") == std::string::npos) {
-    path = DiskOfNumber(argument);
+    path = DiskOfNumber(path);
   }
   device = Device{};
   device.handle = OpenReadOnly(path, 0);
-  if (device.handle < 0 && errno == ENOENT) {
+  if (device.handle < 0 && (errno == ENOENT || errno == ENAMETOOLONG)) {  // no file of the whole name
+    const int error = errno;
     if (const u32 size = SectorSizeOfName(argument, path); size != 0) {
       device.sectorSize = size;
       device.handle = OpenReadOnly(path, 0);
     } else {
-      errno = ENOENT;
+      errno = error;
     }
   }
   if (device.handle < 0 && errno == ENXIO) {
@@ -223,7 +207,10 @@ ErrorCode WriteReport(const char* text, std::size_t count) {
     const ssize_t written = write(STDOUT_FILENO, text, count);
     if (written < 0) {
       if (errno == EINTR) continue;
-      return LastError();
+      if (errno != EAGAIN) return LastError();
+      pollfd slowReader{STDOUT_FILENO, POLLOUT, 0};  // the pipe was handed over as a non-blocking one
+      poll(&slowReader, 1, -1);
+      continue;
     }
     text += written;
     count -= static_cast<std::size_t>(written);
@@ -239,9 +226,11 @@ bool ReportIsTerminal() {
   return isatty(STDOUT_FILENO) != 0;
 }
 
-// A reader that closes the pipe shows in the write then, whatever the parent process has set.
+// A reader that closes the pipe, or a limit on the file's size, shows in the write then, whatever the parent
+// process has set.
 void PrepareReport() {
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace trovisk

@@ -11,7 +11,9 @@ namespace trovisk {
 
 Global disk;
 
+// Before the disk is touched the report is handed over: nothing that was printed waits for a disk that hangs.
 bool Global::Open(WideText path, const char* argument) {
+  FlushReport();
   if (const ErrorCode error = OpenDevice(device_, path, argument); error != 0) {
     ErrorLine() << "Global::Open: couldn't open " << ToNarrow(path) << " for reading, error " << error
                 << '\n';
@@ -50,7 +52,7 @@ bool Global::Seek(u64 offset) {
 }
 
 bool Global::ReadExactly(u8* buffer, u64 count) {
-  FlushReport();  // nothing that was printed waits for a disk that hangs
+  FlushReport();
   u32 got = 0;
   const u32 wanted = static_cast<u32>(count);
   if (const ErrorCode error = ReadDevice(device_, buffer, wanted, got); error != 0) {

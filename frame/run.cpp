@@ -5,7 +5,6 @@
 #include <cstring>
 #include <iomanip>
 #include <iostream>
-#include <limits>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -82,6 +81,13 @@ bool SeekForPass(u64 sector, u64 position) {
   return false;
 }
 
+// Calls the sector's decoder, with the disk at the sector, for the sector to go on with. A decoder gives one
+// beyond its own, always; another would keep the pass from ending, so it ends it.
+u64 Visit(const TocEntry& entry, u64 sector, bool print) {
+  const u64 next = entry.decoder(entry.description, sector, print);
+  return next > sector ? next : kEndPass;
+}
+
 // Walks the registered sectors in ascending order, those included that the decoders register ahead.
 bool LoadToc(u64 walkLimit) {
   std::cout << "Loading TOC ..." << LineEnd;
@@ -89,7 +95,7 @@ bool LoadToc(u64 walkLimit) {
     const auto next = disk.toc.FirstAtOrAfter(position);
     if (!next) break;
     if (!SeekForPass(next->first, position)) return false;
-    position = next->entry.decoder(next->entry.description, next->first, false);
+    position = Visit(next->entry, next->first, false);
   }
   std::cout << LineEnd;
   return true;
@@ -126,8 +132,7 @@ bool PrintSectors(const Request& request, u64 walkLimit) {
     }
     if (!SeekForPass(position, position)) return false;
     if (registered && registered->first == position) {
-      position =
-          registered->entry.decoder(registered->entry.description, position, IsRequested(request, position));
+      position = Visit(registered->entry, position, IsRequested(request, position));
     } else {
       DumpRawSector(L"Raw Sector", position, true);
       ++position;
@@ -145,13 +150,14 @@ void PrintToc(u64 lastOnDisk) {
   std::cout << LineEnd << "\tTable Of Contents" << LineEnd << "\t=================" << LineEnd << LineEnd
             << "   Sector#\tContents" << LineEnd << "   -------\t--------" << LineEnd;
   // A damaged entry may register more sectors than the disk has. Those beyond its end are listed as well,
-  // but not without limit.
+  // but not without limit; all of them count as such when the disk's length is unknown.
   constexpr u64 kRowsBeyondDisk = u64{1} << 24;
+  const u64 sectorsOnDisk = lastOnDisk + 1;
   u64 rowsBeyondDisk = 0;
   u64 position = 0;
   while (const auto run = disk.toc.FirstAtOrAfter(position)) {
     for (position = run->first;; ++position) {
-      if (position > lastOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->last) {
+      if (position >= sectorsOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->last) {
         std::cout << "       ..." << LineEnd;
         position = run->last;
       }

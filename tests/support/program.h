@@ -9,22 +9,19 @@
 #include <vector>
 
 #include "tests/disks/disk.h"
+#include "tests/support/child.h"
 
 namespace trovisk::test {
-
-struct Outcome {
-  std::string out;  // standard output, standard error: line ends as '\n'
-  std::string err;
-  int status = -1;   // the exit status; 256 + the signal's number when one ended the program
-  long peakKiB = 0;  // the most memory that the program held at a time
-};
 
 // Which build: the shipped one, which knows the published boot code, or the same program with a catalogue of
 // the tests' own invented boot code.
 enum class Build { kShipped, kInventedCode };
 
-// Runs the program with these arguments. extra: NAME=VALUE pairs added to the environment; TZ is UTC unless
-// they say otherwise.
+// The executable of that build.
+std::string ProgramPath(Build build);
+
+// Runs the program with these arguments. environment: NAME=VALUE pairs added to the environment; TZ is UTC
+// unless they say otherwise.
 Outcome RunProgram(Build build, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment = {});
 
@@ -32,9 +29,6 @@ Outcome RunProgram(Build build, const std::vector<std::string>& arguments,
 // both texts the build date reads "<date>" and the disk argument "<disk>".
 Outcome RunOn(const Disk& disk, const std::vector<std::string>& arguments = {},
               Build build = Build::kInventedCode);
-
-// Where a test may put files; removed when the test program ends.
-std::string ScratchPath(const std::string& name);
 
 }  // namespace trovisk::test
 

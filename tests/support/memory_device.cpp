@@ -1,0 +1,213 @@
+#include "tests/support/memory_device.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+
+#include "frame/global.h"
+#include "frame/run.h"
+#include "tests/support/child.h"
+
+namespace trovisk::test {
+namespace {
+
+MemoryDisk inserted{};
+bool keepsReport = false;  // in report below; else it goes to standard output
+std::string report;
+
+// In memory that is shared with child processes, so that the parent sees the calls of a run.
+struct SharedCalls {
+  u64 counts[kCallKinds];
+  u64 logged;
+  char order[u64{1} << 20];
+};
+
+SharedCalls& Calls() {
+  static SharedCalls* const calls = [] {
+    void* memory =
+        mmap(nullptr, sizeof(SharedCalls), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) std::abort();
+    return static_cast<SharedCalls*>(memory);
+  }();
+  return *calls;
+}
+
+// Notes the call, and gives the fault that it meets.
+const Fault* Meet(Call call) {
+  SharedCalls& calls = Calls();
+  const auto kind = static_cast<std::size_t>(call);
+  const u64 number = ++calls.counts[kind];
+  if (calls.logged < sizeof calls.order) calls.order[calls.logged++] = "OGLSRCW"[kind];
+  for (const Fault& fault : inserted.faults) {
+    if (fault.call == call && number >= fault.nth && number - fault.nth < fault.calls) return &fault;
+  }
+  return nullptr;
+}
+
+u64 Length() {
+  return inserted.disk.Sectors() * inserted.disk.SectorSize();
+}
+
+// The bytes at a position, up to the disk's end; zeros where no sector was touched.
+u32 Fill(u8* buffer, u64 position, u64 count) {
+  if (position >= Length()) return 0;
+  count = std::min(count, Length() - position);
+  std::fill_n(buffer, count, u8{0});
+  const u64 size = inserted.disk.SectorSize();
+  const auto& touched = inserted.disk.Touched();
+  for (auto at = touched.lower_bound(position / size); at != touched.end(); ++at) {
+    const u64 start = at->first * size;
+    if (start >= position + count) break;
+    const u64 from = std::max(start, position);
+    const u64 to = std::min(start + size, position + count);
+    std::memcpy(buffer + (from - position), at->second.View().data() + (from - start), to - from);
+  }
+  return static_cast<u32>(count);
+}
+
+std::vector<char*> Argv(std::vector<std::string>& arguments) {
+  std::vector<char*> argv;
+  for (std::string& argument : arguments)
+    argv.push_back(argument.data());
+  argv.push_back(nullptr);
+  return argv;
+}
+
+int RunProgramOn(const MemoryDisk& disk, const std::vector<std::string>& arguments) {
+  InsertDisk(disk);
+  std::vector<std::string> words = {"trovisk"};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv = Argv(words);
+  return Run(static_cast<int>(words.size()), argv.data());
+}
+
+}  // namespace
+
+void InsertDisk(const MemoryDisk& disk) {
+  inserted = disk;
+  SharedCalls& calls = Calls();
+  std::fill(std::begin(calls.counts), std::end(calls.counts), 0);
+  calls.logged = 0;
+}
+
+CallRecord CallsSinceInsertion() {
+  const SharedCalls& calls = Calls();
+  CallRecord record;
+  std::copy(std::begin(calls.counts), std::end(calls.counts), std::begin(record.counts));
+  record.order.assign(calls.order, calls.logged);
+  return record;
+}
+
+MemoryOutcome RunOnMemory(const MemoryDisk& disk, const std::vector<std::string>& arguments) {
+  Calls();  // shared from before the child is born
+  const Outcome outcome = RunChild([&] { std::exit(RunProgramOn(disk, arguments)); });
+  return {WithoutDate(outcome.out), outcome.err, outcome.status, CallsSinceInsertion()};
+}
+
+MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string>& arguments) {
+  trovisk::disk.Close();
+  trovisk::disk.toc.Clear();
+  trovisk::disk.refsVolume = {};
+  std::streambuf* const buffer = std::cout.rdbuf();
+  std::cout.copyfmt(std::ios(nullptr));
+  std::cout.clear();
+  report.clear();
+  keepsReport = true;
+  MemoryOutcome outcome;
+  outcome.status = RunProgramOn(disk, arguments);
+  keepsReport = false;
+  std::cout.rdbuf(buffer);
+  outcome.out = WithoutDate(report);
+  outcome.calls = CallsSinceInsertion();
+  return outcome;
+}
+
+}  // namespace trovisk::test
+
+namespace trovisk {
+
+using test::Call;
+using test::Fault;
+using test::Meet;
+
+ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* /*argument*/) {
+  device = Device{};
+  if (const Fault* fault = Meet(Call::kOpen)) return fault->error;
+  device.handle = 1;
+  return 0;
+}
+
+bool IsOpen(const Device& device) {
+  return device.handle >= 0;
+}
+
+ErrorCode QuerySectorSize(Device& /*device*/, u32& bytesPerSector) {
+  const Fault* const fault = Meet(Call::kSectorSize);
+  if (fault != nullptr && fault->error != 0) return fault->error;
+  bytesPerSector =
+      fault != nullptr ? static_cast<u32>(fault->amount) : test::inserted.disk.SectorSize();
+  return 0;
+}
+
+ErrorCode QueryLength(const Device& /*device*/, u64& bytes) {
+  const Fault* const fault = Meet(Call::kLength);
+  if (fault != nullptr && fault->error != 0) return fault->error;
+  bytes = fault != nullptr ? fault->amount : test::Length();
+  return 0;
+}
+
+ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
+  const Fault* const fault = Meet(Call::kSeek);
+  if (fault != nullptr && fault->error != 0) return fault->error;
+  if (fault == nullptr && offset >> 63 != 0) return EINVAL;
+  device.position = landed = fault != nullptr ? fault->amount : offset;
+  return 0;
+}
+
+ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
+  const Fault* const fault = Meet(Call::kRead);
+  if (fault != nullptr && fault->error != 0) return fault->error;
+  const u64 wanted = fault != nullptr ? std::min<u64>(count, fault->amount) : count;
+  got = test::Fill(buffer, device.position, wanted);
+  device.position += got;
+  return 0;
+}
+
+ErrorCode CloseDevice(Device& device) {
+  const Fault* const fault = Meet(Call::kClose);
+  device = Device{};
+  return fault != nullptr ? fault->error : 0;
+}
+
+ErrorCode WriteReport(const char* text, std::size_t count) {
+  const Fault* const fault = Meet(Call::kWriteReport);
+  if (fault != nullptr) return fault->error;
+  if (test::keepsReport) {
+    test::report.append(text, count);
+    return 0;
+  }
+  while (count > 0) {
+    const ssize_t written = write(STDOUT_FILENO, text, count);
+    if (written < 0) return static_cast<ErrorCode>(errno);
+    text += written;
+    count -= static_cast<std::size_t>(written);
+  }
+  return 0;
+}
+
+bool IsClosedPipe(ErrorCode error) {
+  return error == EPIPE;
+}
+
+bool ReportIsTerminal() {
+  return test::inserted.terminal;
+}
+
+void PrepareReport() {}
+
+}  // namespace trovisk

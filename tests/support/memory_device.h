@@ -1,0 +1,64 @@
+// A disk in memory, linked in place of the operating system's side: any of its calls can be made to fail.
+//
+// One program has one such disk. A run on it is either a process of its own (RunOnMemory: nothing that a run
+// leaves behind reaches the next one) or takes place here (RunInProcess: fast, for the fuzzer).
+
+#ifndef TROVISK_TESTS_SUPPORT_MEMORY_DEVICE_H
+#define TROVISK_TESTS_SUPPORT_MEMORY_DEVICE_H
+
+#include <string>
+#include <vector>
+
+#include "frame/device.h"
+#include "tests/disks/disk.h"
+
+namespace trovisk::test {
+
+enum class Call { kOpen, kSectorSize, kLength, kSeek, kRead, kClose, kWriteReport };
+inline constexpr std::size_t kCallKinds = 7;
+
+// What happens instead at some of the calls of one kind.
+struct Fault {
+  Call call = Call::kRead;
+  u64 nth = 1;  // the first call concerned, counted from 1
+  u64 calls = 1;  // how many from there on
+  ErrorCode error = 0;  // the call fails with this; where it is 0, it succeeds and says:
+  u64 amount = 0;       // kSeek: where it landed; kRead: at most so many bytes; kSectorSize, kLength: the value
+};
+
+struct MemoryDisk {
+  Disk disk;
+  std::vector<Fault> faults = {};
+  bool terminal = false;  // whether the report is shown on one
+};
+
+// How often each kind of call was made, and all calls in order: a letter each, of "OGLSRCW" (open, geometry,
+// length, seek, read, close, write), as far as there is room.
+struct CallRecord {
+  u64 counts[kCallKinds] = {};
+  std::string order;
+
+  u64 Of(Call call) const { return counts[static_cast<std::size_t>(call)]; }
+};
+
+struct MemoryOutcome {
+  std::string out;  // the build date reads "<date>"
+  std::string err;
+  int status = -1;  // as in support/program.h
+  CallRecord calls;
+};
+
+// The disk that the device functions work on, and the calls made since. For tests that call Global directly.
+void InsertDisk(const MemoryDisk& disk);
+CallRecord CallsSinceInsertion();
+
+// Runs the program in a child process; arguments: disk argument, first sector, last sector, as needed.
+MemoryOutcome RunOnMemory(const MemoryDisk& disk, const std::vector<std::string>& arguments = {"mem"});
+
+// Runs the program in this process, from the state that it starts in. What goes to standard error goes to the
+// std::cerr of this process. A failing kWriteReport ends the process, as it does in the program.
+MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string>& arguments = {"mem"});
+
+}  // namespace trovisk::test
+
+#endif
