@@ -12,7 +12,8 @@ namespace trovisk {
 // The names of the disks that are counted, in the order of the list, which is that of their discovery.
 // partitions: the text of /proc/partitions. isPartition: whether the block device of that name is a part of
 // another one. Loop, ram, zram, floppy, optical and device-mapper devices are not counted.
-std::vector<std::string> NumberedDisks(std::istream& partitions, bool (*isPartition)(const std::string& name));
+std::vector<std::string> NumberedDisks(std::istream& partitions,
+                                       bool (*isPartition)(const std::string& name));
 
 }  // namespace trovisk
 

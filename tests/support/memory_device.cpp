@@ -16,7 +16,7 @@
 namespace trovisk::test {
 namespace {
 
-MemoryDisk inserted{};
+MemoryDisk inserted;
 bool keepsReport = false;  // in report below; else it goes to standard output
 std::string report;
 
@@ -149,8 +149,7 @@ bool IsOpen(const Device& device) {
 ErrorCode QuerySectorSize(Device& /*device*/, u32& bytesPerSector) {
   const Fault* const fault = Meet(Call::kSectorSize);
   if (fault != nullptr && fault->error != 0) return fault->error;
-  bytesPerSector =
-      fault != nullptr ? static_cast<u32>(fault->amount) : test::inserted.disk.SectorSize();
+  bytesPerSector = fault != nullptr ? static_cast<u32>(fault->amount) : test::inserted.disk.SectorSize();
   return 0;
 }
 

@@ -20,14 +20,14 @@ inline constexpr std::size_t kCallKinds = 7;
 // What happens instead at some of the calls of one kind.
 struct Fault {
   Call call = Call::kRead;
-  u64 nth = 1;  // the first call concerned, counted from 1
-  u64 calls = 1;  // how many from there on
+  u64 nth = 1;          // the first call concerned, counted from 1
+  u64 calls = 1;        // how many from there on
   ErrorCode error = 0;  // the call fails with this; where it is 0, it succeeds and says:
-  u64 amount = 0;       // kSeek: where it landed; kRead: at most so many bytes; kSectorSize, kLength: the value
+  u64 amount = 0;  // kSeek: where it landed; kRead: at most so many bytes; kSectorSize, kLength: the value
 };
 
 struct MemoryDisk {
-  Disk disk;
+  Disk disk = Disk();
   std::vector<Fault> faults = {};
   bool terminal = false;  // whether the report is shown on one
 };

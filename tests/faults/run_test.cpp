@@ -1,0 +1,285 @@
+// Whole runs on a disk whose calls fail: the messages, their streams, the exit status, what still runs.
+
+#include <gtest/gtest.h>
+
+#include "tests/disks/mbr.h"
+#include "tests/support/expected.h"
+#include "tests/support/memory_device.h"
+
+namespace trovisk::test {
+namespace {
+
+const std::string kBanner = "Trovisk version 1.4 built <date>\n\n";
+
+// A disk of 100 sectors with a partition that nothing is registered for.
+Disk PlainDisk() {
+  Disk disk(100);
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 63, .count = 10}}});
+  disk.At(5).Text(0, "five");
+  disk.At(6).Text(0, "six");
+  disk.At(7).Text(0, "seven");
+  return disk;
+}
+
+// A disk whose extended boot records stand in sectors 10 and 20, one pointing to the next.
+Disk ChainDisk() {
+  Disk disk(100);
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x05, .first = 10, .count = 50}}});
+  PutBootRecord(disk, 10, {.entries = {{.type = 0x83, .first = 1, .count = 5}, {.type = 0x05, .first = 10}}});
+  PutBootRecord(disk, 20, {.entries = {{.type = 0x83, .first = 1, .count = 5}}});
+  return disk;
+}
+
+std::string Start(const std::string& last, const std::string& reading) {
+  return kBanner + "Last sector on disk is " + last + "\nReading \\\\.\\PhysicalDrivemem" + reading +
+         "\n\nLoading TOC ...\n";
+}
+
+std::string Toc(const std::string& rows) {
+  return "\n\tTable Of Contents\n\t=================\n\n   Sector#\tContents\n   -------\t--------\n" + rows;
+}
+
+std::string RawSector(const Disk& disk, u64 sector) {
+  const std::string number = std::to_string(sector);
+  return ExpandExpected("Reading sector # " + number + " [Raw Sector]\n{{dump " + number + "}}\n", disk);
+}
+
+void ExpectOutcome(const MemoryOutcome& outcome, const std::string& out, const std::string& err, int status) {
+  EXPECT_TRUE(SameText(outcome.out, out));
+  EXPECT_TRUE(SameText(outcome.err, err));
+  EXPECT_EQ(outcome.status, status);
+}
+
+TEST(RunFaults, DiskThatDoesNotOpen) {
+  const auto outcome = RunOnMemory({PlainDisk(), {{.call = Call::kOpen, .error = 2}}});
+  ExpectOutcome(outcome, kBanner,
+                "Global::Open: couldn't open \\\\.\\PhysicalDrivemem for reading, error 2\n", 1);
+}
+
+TEST(RunFaults, GeometryThatCannotBeRead) {
+  const auto outcome = RunOnMemory({PlainDisk(), {{.call = Call::kSectorSize, .error = 25}}});
+  ExpectOutcome(outcome, kBanner,
+                "Global::Open: couldn't get disk geometry \\\\.\\PhysicalDrivemem "
+                "IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error 25\n",
+                1);
+  EXPECT_EQ(outcome.calls.order, "WOGC");
+}
+
+// The run goes on, takes every sector argument, and a whole-disk run has no limit but ends.
+TEST(RunFaults, UnknownLengthTakesEverySector) {
+  const std::vector<Fault> unknown = {{.call = Call::kLength, .error = 1}};
+  const std::string message = "DeviceIoControl(IOCTL_DISK_GET_LENGTH_INFO failed, error )1\n";
+  auto outcome = RunOnMemory({PlainDisk(), unknown}, {"mem", "100"});
+  ExpectOutcome(outcome,
+                Start("18446744073709551615", " sector 100") + "\nReading sector # 100 [Raw Sector]\n",
+                message + "Global::Read short read, needed 512, got 0\nError reading sector\n", 0);
+  outcome = RunOnMemory({PlainDisk(), unknown}, {"mem", "9223372036854775807", "0"});
+  ExpectOutcome(outcome, Start("18446744073709551615", " sectors [ 9223372036854775807 - 0 ]") + "\n",
+                message, 0);
+}
+
+TEST(RunFaults, UnknownLengthOfAWholeDiskEnds) {
+  const auto outcome = RunOnMemory({Disk(100), {{.call = Call::kLength, .error = 1}}});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "DeviceIoControl(IOCTL_DISK_GET_LENGTH_INFO failed, error )1\n");
+  EXPECT_TRUE(outcome.out.ends_with(Toc("         0\tMaster Boot Record\n"))) << outcome.out;
+}
+
+TEST(RunFaults, SectorBeyondTheDiskClosesIt) {
+  const std::string message = "There aren't that many sectors on the disk !!\n";
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"mem", "100"}, {"mem", "0", "100"}, {"mem", "100", "0"}}) {
+    const auto outcome = RunOnMemory({PlainDisk()}, arguments);
+    ExpectOutcome(outcome, kBanner + "Last sector on disk is 99\n", message, 1);
+    EXPECT_EQ(outcome.calls.order, "WOGLWC");
+  }
+}
+
+// The very first seek, to the master boot record.
+TEST(RunFaults, SeekRefusedInTheLoadingPass) {
+  const auto outcome = RunOnMemory({PlainDisk(), {{.call = Call::kSeek, .error = 87}}});
+  ExpectOutcome(outcome, Start("99", " [ whole disk ]"),
+                "Global::Seek failed to seek to sector 0, error 87\nFailed to seek to sector 0\n", 1);
+  EXPECT_EQ(outcome.calls.order, "WOGLSWC");
+}
+
+// The frame names the position that it came from, 1, the disk layer the sector that it sought, 10. Seeks of
+// the loading pass: 0, back to 0 for the dump, 10.
+TEST(RunFaults, FailedSeekNamesThePositionNotTheEntry) {
+  const auto outcome = RunOnMemory({ChainDisk(), {{.call = Call::kSeek, .nth = 3, .error = 87}}});
+  ExpectOutcome(outcome, Start("99", " [ whole disk ]"),
+                "Global::Seek failed to seek to sector 10, error 87\nFailed to seek to sector 1\n", 1);
+}
+
+TEST(RunFaults, SeekThatLandsElsewhereEndsTheRun) {
+  const auto outcome =
+      RunOnMemory({ChainDisk(), {{.call = Call::kSeek, .nth = 3, .amount = 512}}}, {"mem", "50"});
+  ExpectOutcome(outcome, Start("99", " sector 50"),
+                "Global::Seek failed to seek to sector 10\nFailed to seek to sector 1\n", 1);
+}
+
+// Seeks before it: 0 and back for the dump in the loading pass.
+TEST(RunFaults, SeekRefusedInThePrintingPass) {
+  const auto outcome =
+      RunOnMemory({PlainDisk(), {{.call = Call::kSeek, .nth = 3, .error = 87}}}, {"mem", "5"});
+  ExpectOutcome(outcome, Start("99", " sector 5") + "\n",
+                "Global::Seek failed to seek to sector 0, error 87\nFailed to seek to sector 0\n", 1);
+}
+
+// After sector 0's two in either pass, sector 5's, then sector 6's.
+TEST(RunFaults, SeekRefusedBeforeARawDump) {
+  const auto outcome =
+      RunOnMemory({PlainDisk(), {{.call = Call::kSeek, .nth = 6, .error = 87}}}, {"mem", "5", "7"});
+  ExpectOutcome(outcome, Start("99", " sectors [ 5 - 7 ]") + "\n" + RawSector(PlainDisk(), 5),
+                "Global::Seek failed to seek to sector 6, error 87\nFailed to seek to sector 6\n", 1);
+}
+
+// A decoder's seek back to its own sector: the pass ends, the run does not.
+TEST(RunFaults, SeekBackRefusedEndsThePassOnly) {
+  const auto outcome =
+      RunOnMemory({ChainDisk(), {{.call = Call::kSeek, .nth = 2, .error = 87}}}, {"mem", "50"});
+  EXPECT_EQ(outcome.err, "Global::Seek failed to seek to sector 0, error 87\n");
+  EXPECT_EQ(outcome.status, 0);
+  // Sector 10 is registered all the same, and registers 20 when the printing pass comes to it.
+  EXPECT_TRUE(SameText(outcome.out,
+                       Start("99", " sector 50") + "\nReading sector # 50 [Raw Sector]\n... empty ...\n"));
+}
+
+// What is registered later in the table is not loaded, but still visited by the printing pass.
+TEST(RunFaults, ReadFailureEndsTheLoadingPassOnly) {
+  const Disk disk = ChainDisk();
+  const auto outcome = RunOnMemory({disk, {{.call = Call::kRead, .nth = 2, .error = 1117}}}, {"mem", "20"});
+  EXPECT_EQ(outcome.err, "Global::Read failed, error 1117\nError reading sector\n");
+  EXPECT_EQ(outcome.status, 0);
+  const std::string start = Start("99", " sector 20") + "\nReading sector # 20 [Supplementary Boot Record]\n";
+  EXPECT_TRUE(SameText(outcome.out.substr(0, start.size()), start));
+}
+
+// Both passes fail at the master boot record; nothing else is registered.
+TEST(RunFaults, UnreadableDisk) {
+  const auto outcome = RunOnMemory({PlainDisk(), {{.call = Call::kRead, .calls = ~u64{0}, .error = 5}}});
+  const std::string failure = "Global::Read failed, error 5\nError reading sector\n";
+  ExpectOutcome(outcome,
+                Start("99", " [ whole disk ]") + "\nReading sector # 0 [Master Boot Record]\n" +
+                    Toc("         0\tMaster Boot Record\n"),
+                failure + failure, 0);
+}
+
+// An unreadable master boot record ends the printing pass before the requested sector.
+TEST(RunFaults, UnreadableMasterBootRecordHidesTheRequestedSector) {
+  const auto outcome =
+      RunOnMemory({PlainDisk(), {{.call = Call::kRead, .calls = 2, .error = 5}}}, {"mem", "5"});
+  const std::string failure = "Global::Read failed, error 5\nError reading sector\n";
+  ExpectOutcome(outcome, Start("99", " sector 5") + "\n", failure + failure, 0);
+}
+
+// The dump of an unregistered sector: its result is ignored. Reads: 0 in either pass, 5, 6, 7.
+TEST(RunFaults, UnreadableRawSectorDoesNotEndTheRange) {
+  const Disk disk = PlainDisk();
+  for (const auto& [fault, message] :
+       {std::pair<Fault, std::string>{{.call = Call::kRead, .nth = 4, .error = 5}, "failed, error 5"},
+        {{.call = Call::kRead, .nth = 4, .amount = 511}, "short read, needed 512, got 511"}}) {
+    const auto outcome = RunOnMemory({disk, {fault}}, {"mem", "5", "7"});
+    ExpectOutcome(outcome,
+                  Start("99", " sectors [ 5 - 7 ]") + "\n" + RawSector(disk, 5) +
+                      "Reading sector # 6 [Raw Sector]\n" + RawSector(disk, 7),
+                  "Global::Read " + message + "\nError reading sector\n", 0);
+  }
+}
+
+// Below the sector size a whole sector is needed, and the message says so.
+TEST(RunFaults, ShortReadOfALargeSector) {
+  Disk disk(10, 4096);
+  PutBootRecord(disk, 0, {});
+  const auto outcome = RunOnMemory({disk, {{.call = Call::kRead, .nth = 1, .amount = 4095}}}, {"mem", "9"});
+  EXPECT_EQ(outcome.err, "Global::Read short read, needed 4096, got 4095\nError reading sector\n");
+  EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(RunFaults, CloseThatFailsIsNotTold) {
+  const auto outcome = RunOnMemory({PlainDisk(), {{.call = Call::kClose, .error = 6}}}, {"mem", "5"});
+  ExpectOutcome(outcome, Start("99", " sector 5") + "\n" + RawSector(PlainDisk(), 5), "", 0);
+  EXPECT_EQ(outcome.calls.Of(Call::kClose), 1u);
+}
+
+// A drive that claims sectors of no bytes has no length either; nothing divides by it.
+TEST(RunFaults, SectorsOfNoBytes) {
+  const auto outcome = RunOnMemory({PlainDisk(), {{.call = Call::kSectorSize, .amount = 0}}}, {"mem", "5"});
+  ExpectOutcome(
+      outcome,
+      Start("18446744073709551615", " sector 5") + "\nReading sector # 5 [Raw Sector]\n... empty ...\n", "",
+      0);
+}
+
+// Whatever single call fails, the run ends of its own, with a message and one of the two statuses.
+TEST(RunFaults, EveryCallFailingInItsTurn) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"mem"}, {"mem", "10"}, {"mem", "0", "30"}}) {
+    const CallRecord sound = RunOnMemory({ChainDisk()}, arguments).calls;
+    for (const Call call : {Call::kOpen, Call::kSectorSize, Call::kLength, Call::kSeek, Call::kRead}) {
+      ASSERT_GT(sound.Of(call), 0u);
+      for (u64 nth = 1; nth <= sound.Of(call); ++nth) {
+        const auto outcome = RunOnMemory({ChainDisk(), {{.call = call, .nth = nth, .error = 5}}}, arguments);
+        EXPECT_TRUE(outcome.status == 0 || outcome.status == 1) << outcome.status;
+        EXPECT_NE(outcome.err, "");
+        EXPECT_TRUE(outcome.out.starts_with(kBanner));
+      }
+    }
+  }
+}
+
+// What was printed has left the program before the disk is read again, and a sector costs one write.
+TEST(Report, OneReadAndOneWriteForEachSectorOfARange) {
+  const auto outcome = RunOnMemory({PlainDisk()}, {"mem", "5", "7"});
+  EXPECT_EQ(outcome.calls.order, std::string("W"     // banner
+                                             "OGL"   // open
+                                             "SWRS"  // loading pass: sector 0, seek back for its dump
+                                             "SWRS"  // printing pass: sector 0 is not shown
+                                             "SWRSWRSWR"
+                                             "CW"));
+}
+
+TEST(Report, LeavesLineByLineOnATerminal) {
+  MemoryDisk memory{Disk(100)};
+  memory.terminal = true;
+  const auto outcome = RunOnMemory(memory, {"mem", "99"});
+  EXPECT_TRUE(SameText(outcome.out,
+                       Start("99", " sector 99") + "\nReading sector # 99 [Raw Sector]\n... empty ...\n"));
+  EXPECT_EQ(outcome.calls.Of(Call::kWriteReport), 9u);  // one for each of the lines above, empty ones too
+}
+
+TEST(Report, ThatCannotBeWrittenEndsTheRunAtOnce) {
+  const u64 writes = RunOnMemory({PlainDisk()}, {"mem", "5", "7"}).calls.Of(Call::kWriteReport);
+  for (u64 nth = 1; nth <= writes; ++nth) {
+    const auto outcome = RunOnMemory({PlainDisk(), {{.call = Call::kWriteReport, .nth = nth, .error = 28}}},
+                                     {"mem", "5", "7"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "Error writing the report, error 28\n");
+    EXPECT_EQ(outcome.calls.Of(Call::kWriteReport), nth);  // and nothing is written after it
+  }
+}
+
+TEST(Report, WhoseReaderHasGoneEndsQuietly) {
+  const u64 writes = RunOnMemory({PlainDisk()}, {"mem", "5", "7"}).calls.Of(Call::kWriteReport);
+  for (u64 nth = 1; nth <= writes; ++nth) {
+    const auto outcome =
+        RunOnMemory({PlainDisk(), {{.call = Call::kWriteReport, .nth = nth, .error = 32 /* EPIPE */}}},
+                    {"mem", "5", "7"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.calls.Of(Call::kWriteReport), nth);
+  }
+}
+
+// The same run twice in one process: nothing that the first one leaves behind reaches the second.
+TEST(RunInProcess, StartsAfresh) {
+  const Disk disk = ChainDisk();
+  const auto first = RunInProcess({disk});
+  const auto second = RunInProcess({disk});
+  EXPECT_EQ(first.status, 0);
+  EXPECT_TRUE(SameText(second.out, first.out));
+  EXPECT_TRUE(SameText(first.out, RunOnMemory({disk}).out));
+}
+
+}  // namespace
+}  // namespace trovisk::test
