@@ -7,6 +7,7 @@
 
 #include <array>
 #include <iostream>
+#include <optional>
 
 #include "frame/decode.h"
 #include "frame/decoders.h"
@@ -48,11 +49,6 @@ struct Layout {
   u32 firstData;
 };
 
-bool IsValid(SectorView boot) {
-  return Le16<kEndMark>(boot) == kValidEndMark && Le16<kBytesPerSector>(boot) != 0 &&
-         U8<kSectorsPerCluster>(boot) != 0;
-}
-
 // The cluster count alone decides the type, whatever the partition type or the type text says.
 FatType TypeOf(u32 clusters) {
   if (clusters < kFewestFat16Clusters) return FatType::kFat12;
@@ -60,16 +56,20 @@ FatType TypeOf(u32 clusters) {
   return FatType::kFat32;
 }
 
-Layout LayoutOf(SectorView boot) {
+// None for fields that would divide by zero.
+std::optional<Layout> LayoutOf(SectorView boot) {
   const i32 bytesPerSector = Le16<kBytesPerSector>(boot);
+  const u32 sectorsPerCluster = U8<kSectorsPerCluster>(boot);
+  if (bytesPerSector == 0 || sectorsPerCluster == 0) return std::nullopt;
+
   const i32 rootSectors = (Le16<kRootEntries>(boot) * kRootEntrySize - 1 + bytesPerSector) / bytesPerSector;
   const u32 fatSize = Le16<kFatSize16>(boot) != 0 ? u32{Le16<kFatSize16>(boot)} : Le32<kFatSize32>(boot);
   const u32 rootDirectory = U8<kFatCount>(boot) * fatSize + Le16<kReservedSectors>(boot);
   const u32 firstData = rootDirectory + static_cast<u32>(rootSectors);
   const u32 totalSectors =
       Le16<kTotalSectors16>(boot) != 0 ? u32{Le16<kTotalSectors16>(boot)} : Le32<kTotalSectors32>(boot);
-  const u32 clusters = (totalSectors - firstData) / U8<kSectorsPerCluster>(boot);
-  return {TypeOf(clusters), fatSize, rootDirectory, firstData};
+  const u32 clusters = (totalSectors - firstData) / sectorsPerCluster;
+  return Layout{TypeOf(clusters), fatSize, rootDirectory, firstData};
 }
 
 void PrintTitle(FatType type) {
@@ -140,14 +140,14 @@ u64 DecodeFatBootSector(WideText description, u64 sector, bool print) {
   std::array<u8, 512> buffer{};
   if (!ReadRecord(buffer)) return kEndPass;
   const SectorView boot(buffer);
-  if (!IsValid(boot)) {
+  const std::optional<Layout> layout = LayoutOf(boot);
+  if (Le16<kEndMark>(boot) != kValidEndMark || !layout) {
     std::cout << "Not a valid FAT boot sector end marker" << LineEnd;
     return kEndPass;
   }
 
-  const Layout layout = LayoutOf(boot);
-  if (print) PrintReport(boot, layout, sector);
-  if (layout.type == FatType::kFat32) Register(boot, sector);
+  if (print) PrintReport(boot, *layout, sector);
+  if (layout->type == FatType::kFat32) Register(boot, sector);
   return DumpAsRawSector(sector, print);
 }
 

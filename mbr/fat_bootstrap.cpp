@@ -75,8 +75,8 @@ enum class Plan {
 
 struct Variant {
   BootCode code;
-  std::string_view heading;
   Plan plan;
+  std::string_view heading;
   std::size_t systemFile;    // of the first name
   std::size_t firstMessage;  // offset of the first message
   std::size_t table = 0;     // of the messages' addresses
@@ -84,17 +84,17 @@ struct Variant {
 
 // In the order of the comparison.
 constexpr Variant kFat12Variants[] = {
-    {BootCode::kFatMsDos50, "MSDOS5.0 Bootstrap", Plan::kOffsetTable, 0x1A1, 0x1AC, 0x1FB},
+    {BootCode::kFatMsDos50, Plan::kOffsetTable, "MSDOS5.0 Bootstrap", 0x1A1, 0x1AC, 0x1FB},
 };
 constexpr Variant kFat16Variants[] = {
-    {BootCode::kFatMsWin41, "MSWIN4.1 Bootstrap", Plan::kThreeFiles, 0x1D8, 0x184},
-    {BootCode::kFatMsDos50, "MSDOS5.0 Bootstrap", Plan::kOffsetTable, 0x1A1, 0x1AC, 0x1FB},
+    {BootCode::kFatMsWin41, Plan::kThreeFiles, "MSWIN4.1 Bootstrap", 0x1D8, 0x184},
+    {BootCode::kFatMsDos50, Plan::kOffsetTable, "MSDOS5.0 Bootstrap", 0x1A1, 0x1AC, 0x1FB},
 };
 constexpr Variant kFat32Variants[] = {
-    {BootCode::kFat32MsWin41, "MSWIN4.1 Bootstrap", Plan::kThreeFiles, 0x1D8, 0x182},
-    {BootCode::kFat32MsDos50, "MSDOS5.0 Bootstrap", Plan::kOffsetTable, 0x170, 0x1AC, 0x1F9},
-    {BootCode::kFat32Vista, "Windows Vista Bootstrap", Plan::kOffsetTable, 0x169, 0x1AC, 0x1F9},
-    {BootCode::kFat32Windows8, "Windows 8 Bootstrap", Plan::kWindows8, 0x16D, 0x1AC, 0x1F8},
+    {BootCode::kFat32MsWin41, Plan::kThreeFiles, "MSWIN4.1 Bootstrap", 0x1D8, 0x182},
+    {BootCode::kFat32MsDos50, Plan::kOffsetTable, "MSDOS5.0 Bootstrap", 0x170, 0x1AC, 0x1F9},
+    {BootCode::kFat32Vista, Plan::kOffsetTable, "Windows Vista Bootstrap", 0x169, 0x1AC, 0x1F9},
+    {BootCode::kFat32Windows8, Plan::kWindows8, "Windows 8 Bootstrap", 0x16D, 0x1AC, 0x1F8},
 };
 
 constexpr std::size_t kFileNameSize = 11;

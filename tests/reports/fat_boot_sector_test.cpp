@@ -255,6 +255,32 @@ TEST(FatBootSector, LargeSectors) {
       report.ends_with(ExpandExpected("\nReading sector # 63 [as a raw sector]\n{{dump 63}}\n", disk)));
 }
 
+// Behind a type that FAT shares with others the code gives the description; what is registered is the same.
+TEST(FatBootSector, ReachedThroughItsCodeShowsTheClassName) {
+  Disk disk = FatDisk(0x07);
+  PutFat32BootSector(disk, kFatVolume, {.code = BootCode::kFat32MsWin41});
+  PutFsInfo(disk, kFatVolume + 1, {});
+  PutFat32BootSector(disk, kFatVolume + 6, {.fsInfoSector = 0});
+  EXPECT_TRUE(ReportOf(disk, kFatVolume)
+                  .starts_with("Reading FAT sector # 63 [MSWIN4.1 FAT32 boot sector]\n"
+                               "\n"
+                               "FAT32 Boot Sector\n"));
+  EXPECT_TRUE(SameText(TocOf(disk),
+                       "         0\tMaster Boot Record\n"
+                       "        63\tNTFS Boot Sector\n"
+                       "        64\tFAT32 Fileystem Information sector\n"
+                       "        69\tBackup FAT boot sector\n"
+                       "        95\tFAT directory sector\n"));
+}
+
+// Only the FAT32 printer knows the Windows 8 code.
+TEST(FatBootSector, Windows8CodeBehindASharedTypeIsUnknown) {
+  Disk disk = FatDisk(0x07);
+  PutFat32BootSector(disk, kFatVolume, {.code = BootCode::kFat32Windows8});
+  EXPECT_TRUE(ReportOf(disk, kFatVolume).starts_with("Reading sector # 63 [Unknown boot sector]\n"));
+  EXPECT_TRUE(SameText(TocOf(disk), "         0\tMaster Boot Record\n        63\tNTFS Boot Sector\n"));
+}
+
 TEST(FatRegistrations, Fat16RegistersNothing) {
   Disk disk = FatDisk(0x06);
   PutFatBootSector(disk, kFatVolume, {});
