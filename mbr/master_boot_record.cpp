@@ -42,20 +42,20 @@ enum class MessagePlan { kSequential, kOffsetTable };
 
 struct Loader {
   BootCode code;
-  std::string_view heading;
   MessagePlan plan;
   std::size_t messages;  // offset of the first one
+  std::string_view heading;
 };
 
 // In the order of the comparison.
 constexpr Loader kLoaders[] = {
-    {BootCode::kMbrMsDos330, "MS-DOS 3.30 -> Windows 95(A Boot Loader)", MessagePlan::kSequential, 0x08B},
-    {BootCode::kMbrWindows95B, "Windows 95(B/98/98SE/ME Boot Loader", MessagePlan::kSequential, 0x10F},
-    {BootCode::kMbrWindows2000, "Windows 2000/XP/2003 Boot Loader", MessagePlan::kOffsetTable, 0x12C},
-    {BootCode::kMbrUsbKey, "Generic USB key code", MessagePlan::kSequential, 0x087},
-    {BootCode::kMbrWindowsVista, "Windows Vista / Windows 7 Boot Loader", MessagePlan::kOffsetTable, 0x162},
-    {BootCode::kMbrWindows2008R2, "Windows 2008 R2 and onwards Boot Loader", MessagePlan::kOffsetTable,
-     0x163},
+    {BootCode::kMbrMsDos330, MessagePlan::kSequential, 0x08B, "MS-DOS 3.30 -> Windows 95(A Boot Loader)"},
+    {BootCode::kMbrWindows95B, MessagePlan::kSequential, 0x10F, "Windows 95(B/98/98SE/ME Boot Loader"},
+    {BootCode::kMbrWindows2000, MessagePlan::kOffsetTable, 0x12C, "Windows 2000/XP/2003 Boot Loader"},
+    {BootCode::kMbrUsbKey, MessagePlan::kSequential, 0x087, "Generic USB key code"},
+    {BootCode::kMbrWindowsVista, MessagePlan::kOffsetTable, 0x162, "Windows Vista / Windows 7 Boot Loader"},
+    {BootCode::kMbrWindows2008R2, MessagePlan::kOffsetTable, 0x163,
+     "Windows 2008 R2 and onwards Boot Loader"},
 };
 
 const Loader* IdentifyLoader(SectorView mbr) {
