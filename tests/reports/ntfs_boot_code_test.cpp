@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/disks/gpt.h"
 #include "tests/disks/mbr.h"
 #include "tests/disks/ntfs.h"
 #include "tests/support/expected.h"
@@ -112,6 +113,22 @@ TEST(NtfsBootCode, AnyOtherLoader) {
                        "Boot Files : GRLDR, $I30\n\n" +
                            kEmptyListing));
   EXPECT_EQ(BootCodeRows(disk), "");
+}
+
+// The listing shows no digit above 9, so it does not switch to capitals: a GUID that follows in the same run
+// is in small letters. Here the first partition entry of a hybrid disk stands behind the boot code.
+TEST(NtfsBootCode, EmptyListingLeavesSmallLetters) {
+  const auto run = [](const NtfsBootCode& code) {
+    Disk disk;
+    PutBootRecord(disk, 0, {.entries = {{.type = 0xEE, .first = 1}, {.type = 0x07, .first = kVolume}}});
+    PutGptHeader(disk, 1, {.entriesLba = 65, .entryCount = 4});
+    PutGptEntries(disk, 65, {{.type = kLinuxSwapType}});
+    PutNtfsBootSector(disk, kVolume, {});
+    PutNtfsBootCode(disk, kBootCode, code);
+    return RunOn(disk, {"64", "65"}).out;
+  };
+  EXPECT_NE(run({.loader = u"GRLDR"}).find("{ 0657fd6d-a4ab-43c4-84e5-0933c84b4f4f }"), std::string::npos);
+  EXPECT_NE(run({.loader = u"NTLDR"}).find("{ 0657FD6D-A4AB-43C4-84E5-0933C84B4F4F }"), std::string::npos);
 }
 
 // Two names of no character are two names.
