@@ -44,7 +44,7 @@ std::string Names(const Disk& disk) {
 // "NTLDR", "BOOTMGR" or nothing; of the two BOOTMGR layouts the one with a message is "BOOTMGR+".
 std::string Variant(const Disk& disk) {
   const std::string report = Report(disk);
-  const std::string message = report.find("\nMessage : \n") == std::string::npos ? "" : "+";
+  std::string message = report.find("\nMessage : \n") == std::string::npos ? "" : "+";
   for (const std::string name : {"NTLDR", "BOOTMGR"}) {
     if (report.starts_with("Reading sector # 64 [NTFS boot sector +1]\n\n" + name + " variant\n\n")) {
       return name + message;
