@@ -24,6 +24,7 @@ constexpr u16 kValidEndMark = 0xAA55;
 constexpr u32 kValidLeadSignature = 0x41615252;  // "RRaA"
 constexpr u32 kUnknown = 0xFFFFFFFF;
 
+// "Signatue" is how the report has always spelled it.
 constexpr FieldRow kSignatures[] = {
     {"Leading Signature                 : [ ", kLeadSignature, Format::kChars, 4, " ]"},
     {"FSI Structure Signatue            : [ ", 0x1E4, Format::kChars, 4, " ]"},

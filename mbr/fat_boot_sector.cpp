@@ -127,6 +127,7 @@ void Register(SectorView boot, u64 sector) {
     AddTocEntry(disk, Le16<kBackupSector>(boot) + sector, DecodeFatBootSector, L"Backup FAT boot sector");
     AddTocEntry(disk, Le16<kReservedSectors>(boot) + sector, DumpRawSector, L"FAT directory sector");
   }
+  // "Fileystem" is how the table of contents has always spelled it.
   AddTocEntry(disk, Le16<kFsInfoSector>(boot) + sector, DecodeFat32FsInfo,
               L"FAT32 Fileystem Information sector");
 }
