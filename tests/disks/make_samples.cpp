@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-#include "tests/disks/mbr.h"
+#include "tests/disks/samples.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {
@@ -11,9 +11,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string folder = argv[1];
-  trovisk::test::Disk disk(8192);
-  trovisk::test::PutBootRecord(
-      disk, 0, {.diskSignature = 0x1234ABCD, .entries = {{.type = 0x07, .first = 63, .count = 4096}}});
-  disk.Write(folder + "/sample-mbr.img");
+  trovisk::test::GptSample().Write(folder + "/sample-gpt.img");
+  trovisk::test::MbrSample().Write(folder + "/sample-mbr.img");
+  trovisk::test::DynamicSample().Write(folder + "/sample-dynamic.img");
   return 0;
 }

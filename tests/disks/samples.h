@@ -1,0 +1,24 @@
+// The sample disks: one structure of each kind that the program decodes. Their boot code is invented, so only
+// a program that knows that code names it; to any other the volumes that are recognised by their code alone
+// (NTFS, exFAT) are unknown boot sectors.
+
+#ifndef TROVISK_TESTS_DISKS_SAMPLES_H
+#define TROVISK_TESTS_DISKS_SAMPLES_H
+
+#include "tests/disks/disk.h"
+
+namespace trovisk::test {
+
+// A GPT disk with one partition of each kind.
+Disk GptSample();
+
+// An MBR disk with FAT12, FAT16 and FAT32 volumes, and an extended partition that holds NTFS, BitLocker and
+// ReFS volumes.
+Disk MbrSample();
+
+// An MBR disk of dynamic volumes.
+Disk DynamicSample();
+
+}  // namespace trovisk::test
+
+#endif
