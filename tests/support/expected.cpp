@@ -145,6 +145,13 @@ std::string TocRows(u64 first, u64 last, const std::string& description) {
   return rows;
 }
 
+std::string Section(const std::string& text, const std::string& begin, const std::string& end) {
+  const std::size_t from = text.find(begin);
+  const std::size_t to = from == std::string::npos ? from : text.find(end, from + begin.size());
+  EXPECT_NE(to, std::string::npos) << "no \"" << begin << "\" with \"" << end << "\" behind it in\n" << text;
+  return to == std::string::npos ? std::string() : text.substr(from, to - from);
+}
+
 ::testing::AssertionResult SameText(const std::string& actual, const std::string& expected) {
   if (actual == expected) return ::testing::AssertionSuccess();
   const std::vector<std::string> got = Lines(actual);

@@ -40,6 +40,10 @@ std::string TocOf(const Disk& disk);
 std::string TocRow(u64 sector, const std::string& description);
 std::string TocRows(u64 first, u64 last, const std::string& description);
 
+// The part of a text from the first place of begin up to the next place of end. Fails the test when either is
+// not there.
+std::string Section(const std::string& text, const std::string& begin, const std::string& end);
+
 // Compares texts line by line, so that a failure shows the first line that differs and its neighbours.
 ::testing::AssertionResult SameText(const std::string& actual, const std::string& expected);
 
