@@ -80,15 +80,10 @@ void PrintMessages(SectorView boot) {
   const u64 first = U8<kMessageOffsets>(boot);
   const u64 second = U8<kMessageOffsets + 1>(boot);
   const u64 third = U8<kMessageOffsets + 2>(boot);
-  const auto print = [&](std::string_view label, u64 position, u64 bound) {
-    std::cout << label;
-    PrintChars(SliceAt(boot, position, bound));
-    std::cout << " ]" << LineEnd;
-  };
   constexpr u64 kLastMessageEnd = 72;  // from the start of the area
-  print("Error Message#1 [ ", kMessages, second - first - 1);
-  print("Error Message#2 [ ", kMessages + (second - first), third - second - 1);
-  print("Error Message#3 [ ", kMessages + (third - first), first - third + kLastMessageEnd);
+  PrintErrorMessage(1, " [ ", SliceAt(boot, kMessages, second - first - 1));
+  PrintErrorMessage(2, " [ ", SliceAt(boot, kMessages + (second - first), third - second - 1));
+  PrintErrorMessage(3, " [ ", SliceAt(boot, kMessages + (third - first), first - third + kLastMessageEnd));
   std::cout << LineEnd;
 }
 
@@ -112,12 +107,8 @@ void PrintReport(SectorView boot) {
   std::cout << "Bytes / Sector            : " << (u32{1} << (U8<kSectorShift>(boot) % 32)) << LineEnd;
   std::cout << "Sectors / Cluster         : " << (u32{1} << (U8<kClusterShift>(boot) % 32)) << LineEnd;
   PrintFields(boot, kDriveFields);
-  std::cout << LineEnd;
 
-  PrintHeading("Windows exFAT Bootstrap Code", "\t");
-  std::cout << LineEnd;
-  PrintCodeListing(Part<kBootCode, kBootCodeSize>(boot));
-  std::cout << LineEnd << LineEnd;
+  PrintCodeSection("Windows exFAT Bootstrap Code", Part<kBootCode, kBootCodeSize>(boot));
   PrintMessages(boot);
 
   std::cout << "Sector End Mark               : 0x";
