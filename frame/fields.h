@@ -40,17 +40,17 @@ inline void PrintHexByte(u8 value) {
   PrintHex(value, 2);
 }
 
-// A number in the stream's base, at least width digits, zero-filled.
-void PrintPadded(u64 value, int width);
-inline void PrintTwoDigits(u64 value) {
-  PrintPadded(value, 2);
-}
-
 // The same, but the stream stays in hexadecimal: numbers that follow come out so too.
 void PrintHexStayingHex(u64 value, int width);
 
 // The same, but the stream's base is afterwards what it was before.
 void PrintHexKeepingBase(u64 value, int width);
+
+// A number in the stream's base, at least width digits, zero-filled.
+void PrintPadded(u64 value, int width);
+inline void PrintTwoDigits(u64 value) {
+  PrintPadded(value, 2);
+}
 
 // Every byte as two digits with nothing between, in stored order; from the last to the first.
 void PrintHexBytes(Bytes bytes);
