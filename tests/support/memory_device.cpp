@@ -11,6 +11,8 @@
 
 #include "frame/global.h"
 #include "frame/run.h"
+#include "gpt/gpt_state.h"
+#include "ldm/ldm_state.h"
 #include "tests/support/child.h"
 
 namespace trovisk::test {
@@ -80,6 +82,8 @@ std::vector<char*> Argv(std::vector<std::string>& arguments) {
 
 int RunProgramOn(const MemoryDisk& disk, const std::vector<std::string>& arguments) {
   InsertDisk(disk);
+  for (const Registered& entry : disk.registered)
+    AddTocEntry(trovisk::disk, entry.sector, entry.decoder, entry.description);
   std::vector<std::string> words = {"trovisk"};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv = Argv(words);
@@ -113,6 +117,8 @@ MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string
   trovisk::disk.Close();
   trovisk::disk.toc.Clear();
   trovisk::disk.refsVolume = {};
+  LastGptEntrySector = 0;
+  LdmConfigStartSector = LdmVblkEndSector = LdmKlogStartSector = 0;
   std::streambuf* const buffer = std::cout.rdbuf();
   std::cout.copyfmt(std::ios(nullptr));
   std::cout.clear();

@@ -26,9 +26,17 @@ struct Fault {
   u64 amount = 0;  // kSeek: where it landed; kRead: at most so many bytes; kSectorSize, kLength: the value
 };
 
+// A sector that is registered before the run begins.
+struct Registered {
+  u64 sector = 0;
+  SectorDecoder decoder = nullptr;
+  std::wstring description;
+};
+
 struct MemoryDisk {
   Disk disk = Disk();
   std::vector<Fault> faults = {};
+  std::vector<Registered> registered = {};
   bool terminal = false;  // whether the report is shown on one
 };
 
