@@ -1,0 +1,118 @@
+// What the program asks of the operating system: how it opens the disk, and how often it reads and writes.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "tests/disks/mbr.h"
+#include "tests/support/expected.h"
+#include "tests/support/strace.h"
+
+namespace trovisk::test {
+namespace {
+
+// Every sector holds something.
+std::string WriteFullImage(const std::string& name, u64 sectors, u32 sectorSize = 512) {
+  Disk disk(sectors, sectorSize);
+  for (u64 sector = 1; sector < sectors; ++sector)
+    disk.At(sector).Le64(0, sector);
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 1, .count = 9}}});
+  const std::string path = ScratchPath(name);
+  disk.Write(path);
+  return path;
+}
+
+std::size_t ReadsOf(const Trace& trace) {
+  return trace.Of("pread64(").size();
+}
+
+std::size_t WritesOf(const Trace& trace) {
+  return trace.Of("write(1,").size();
+}
+
+TEST(SystemCalls, DiskIsOnlyEverOpenedForReading) {
+  const std::string path = WriteFullImage("opened", 16);
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{path}, {path + "@512"}, {path, "3"}, {path, "0", "15"}}) {
+    const Trace trace = TraceProgram(arguments);
+    EXPECT_EQ(trace.outcome.status, 0);
+    std::size_t opens = 0;
+    for (const std::string& call : trace.calls) {
+      if (!call.starts_with("open") && !call.starts_with("creat")) continue;
+      if (call.find(path) != std::string::npos) {
+        ++opens;
+        EXPECT_NE(call.find("O_RDONLY|O_NOCTTY|O_NONBLOCK|O_CLOEXEC"), std::string::npos) << call;
+      }
+      // Nor is anything else on the machine opened to be written.
+      for (const char* flag : {"O_WRONLY", "O_RDWR", "O_CREAT", "O_TRUNC"})
+        EXPECT_EQ(call.find(flag), std::string::npos) << call;
+    }
+    EXPECT_GE(opens, 1u);
+    for (const char* writer : {"pwrite64(", "writev(", "pwritev(", "ftruncate(", "fallocate(", "unlink"})
+      EXPECT_TRUE(trace.Of(writer).empty()) << writer;
+  }
+}
+
+// A thousand sectors more cost a thousand reads and a thousand writes more.
+TEST(SystemCalls, RangeDumpTakesOneReadAndOneWritePerSector) {
+  for (const u32 sectorSize : {512u, 4096u}) {
+    const std::string path = WriteFullImage("range", 1100, sectorSize) + "@" + std::to_string(sectorSize);
+    const Trace few = TraceProgram({path, "1", "10"});
+    const Trace many = TraceProgram({path, "1", "1010"});
+    EXPECT_EQ(ReadsOf(many) - ReadsOf(few), 1000u);
+    EXPECT_EQ(WritesOf(many) - WritesOf(few), 1000u);
+    EXPECT_EQ(many.calls.size() - few.calls.size(), 2000u);  // and nothing else: no seek, no allocation
+  }
+}
+
+// The same structures on disks of 1 GiB, 16 TiB and 2^62 bytes: a whole-disk run makes the same calls.
+TEST(SystemCalls, WholeDiskRunDoesNotDependOnTheSizeOfTheDisk) {
+  // Few file systems hold files of every size, sparse or not: one in memory holds the largest.
+  const std::string folder = "/dev/shm/trovisk-test-" + std::to_string(getpid());
+  std::filesystem::create_directory(folder);
+  Disk disk(u64{1} << 21);  // 1 GiB
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x05, .first = 10, .count = 50}}});
+  PutBootRecord(disk, 10, {.entries = {{.type = 0x83, .first = 1, .count = 5}, {.type = 0x05, .first = 10}}});
+  PutBootRecord(disk, 20, {.entries = {{.type = 0x83, .first = 1, .count = 5}}});
+  const std::string path = folder + "/sparse.img";
+  disk.Write(path);
+
+  std::vector<std::string> first;
+  for (const u64 size : {u64{1} << 30, u64{1} << 44, u64{1} << 62, (u64{1} << 63) - 512}) {
+    std::error_code error;
+    std::filesystem::resize_file(path, size, error);
+    ASSERT_FALSE(error) << "the file system of " << folder << " does not hold " << size
+                        << " bytes: " << error.message();
+    const Trace trace = TraceProgram({path});
+    EXPECT_EQ(trace.outcome.status, 0);
+    EXPECT_EQ(trace.outcome.err, "");
+    EXPECT_NE(trace.outcome.out.find("\nLast sector on disk is " + std::to_string(size / 512 - 1) + "\n"),
+              std::string::npos);
+    EXPECT_TRUE(
+        trace.outcome.out.ends_with("         0\tMaster Boot Record\n        10\tSupplementary Boot Record\n"
+                                    "        20\tSupplementary Boot Record\n"));
+    std::cout << size << " bytes: " << trace.calls.size() << " system calls\n";
+    std::vector<std::string> names;
+    for (const std::string& call : trace.calls)
+      names.push_back(call.substr(0, call.find('(')));
+    if (first.empty()) first = names;
+    EXPECT_EQ(names, first);
+  }
+  std::filesystem::remove_all(folder);
+}
+
+// No limit to the walk, and nothing to count.
+TEST(SystemCalls, SingleSectorWithANegativeLastCostsNoMoreThanOneWithout) {
+  const std::string path = WriteFullImage("unbounded", 16);
+  const Trace plain = TraceProgram({path, "7"});
+  const Trace unbounded = TraceProgram({path, "7", "-1"});
+  EXPECT_EQ(unbounded.outcome.out, plain.outcome.out);
+  EXPECT_EQ(unbounded.calls.size(), plain.calls.size());
+}
+
+}  // namespace
+}  // namespace trovisk::test

@@ -1,0 +1,44 @@
+#include "tests/support/strace.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+
+namespace trovisk::test {
+
+std::vector<std::string> Trace::Of(const std::string& start) const {
+  std::vector<std::string> found;
+  for (const std::string& call : calls) {
+    if (call.starts_with(start)) found.push_back(call);
+  }
+  return found;
+}
+
+Trace TraceProgram(const std::vector<std::string>& arguments) {
+  const std::string list = ScratchPath("trace");
+  std::vector<std::string> words = {"strace", "-f", "-qq", "-s",
+                                    "0",      "-o", list,  ProgramPath(Build::kShipped)};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words)
+    argv.push_back(word.data());
+  argv.push_back(nullptr);
+
+  Trace trace;
+  trace.outcome = RunChild([&] {
+    setenv("TZ", "UTC", 1);
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // leaks cannot be looked for under a tracer
+    execvp("strace", argv.data());
+  });
+  std::ifstream lines(list);
+  std::string line;
+  while (std::getline(lines, line)) {
+    const std::size_t call = line.find_first_not_of("0123456789 ");  // behind the process's number
+    if (call != std::string::npos) trace.calls.push_back(line.substr(call));
+  }
+  EXPECT_FALSE(trace.calls.empty()) << "strace did not trace the program: " << trace.outcome.err;
+  return trace;
+}
+
+}  // namespace trovisk::test

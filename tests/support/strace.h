@@ -1,0 +1,26 @@
+// The system calls of a run of the program, as strace lists them.
+
+#ifndef TROVISK_TESTS_SUPPORT_STRACE_H
+#define TROVISK_TESTS_SUPPORT_STRACE_H
+
+#include <string>
+#include <vector>
+
+#include "tests/support/program.h"
+
+namespace trovisk::test {
+
+struct Trace {
+  Outcome outcome;
+  std::vector<std::string> calls;  // one line each, arguments and result as strace writes them
+
+  // The calls whose line begins so.
+  std::vector<std::string> Of(const std::string& start) const;
+};
+
+// Runs the shipped program under strace. Fails the test where strace is missing or may not trace.
+Trace TraceProgram(const std::vector<std::string>& arguments);
+
+}  // namespace trovisk::test
+
+#endif
