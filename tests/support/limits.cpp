@@ -7,15 +7,6 @@ namespace {
 
 constexpr rlim_t kSeconds = 10;
 
-// The sanitizers' own memory is far beyond the limit.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kMemoryCounts = false;
-#elif defined(__has_feature)
-constexpr bool kMemoryCounts = !__has_feature(address_sanitizer);
-#else
-constexpr bool kMemoryCounts = true;
-#endif
-
 }  // namespace
 
 Outcome RunOnWithinLimits(const Disk& disk, const std::vector<std::string>& arguments, long memoryKiB) {

@@ -4,10 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <iostream>
 #include <map>
+#include <numeric>
 #include <random>
 
 #include "frame/dump.h"
+#include "frame/global.h"
+#include "tests/support/child.h"
+#include "tests/support/limits.h"
 
 namespace trovisk {
 namespace {
@@ -60,6 +67,189 @@ TEST(SectorToc, RandomRegistrationsAgreeWithAMapOfSingleSectors) {
       }
     }
   }
+}
+
+constexpr u64 kLastSector = ~u64{0};
+
+// The whole table as text: "first-last description", a run each.
+std::string RunsOf(const SectorToc& toc) {
+  std::string text;
+  for (u64 position = 0;;) {
+    const auto found = toc.FirstAtOrAfter(position);
+    if (!found) return text;
+    text += std::to_string(found->first) + "-" + std::to_string(found->last) + " " +
+            std::string(found->entry.description.begin(), found->entry.description.end()) + "; ";
+    if (found->last == kLastSector) return text;
+    position = found->last + 1;
+  }
+}
+
+TEST(SectorToc, IsEmptyAtFirstAndAfterClear) {
+  SectorToc toc;
+  EXPECT_FALSE(toc.FirstAtOrAfter(0));
+  EXPECT_FALSE(toc.At(0));
+  toc.Add(5, 9, DumpRawSector, L"a");
+  toc.Clear();
+  EXPECT_FALSE(toc.FirstAtOrAfter(0));
+  toc.Add(7, 7, DumpRawSector, L"b");
+  EXPECT_EQ(RunsOf(toc), "7-7 b; ");
+}
+
+TEST(SectorToc, RunOfEverySectorThereIs) {
+  SectorToc toc;
+  toc.Add(0, kLastSector, DumpRawSector, L"all");
+  EXPECT_EQ(RunsOf(toc), "0-18446744073709551615 all; ");
+  toc.Add(0, kLastSector, DumpRawSector, L"again");
+  toc.Add(kLastSector, kLastSector, DumpRawSector, L"again");
+  toc.Add(0, 0, DumpRawSector, L"again");
+  EXPECT_EQ(RunsOf(toc), "0-18446744073709551615 all; ");
+  EXPECT_EQ(toc.At(kLastSector)->description, L"all");
+}
+
+TEST(SectorToc, RunOf2To63SectorsAroundSingleOnes) {
+  SectorToc toc;
+  const u64 half = u64{1} << 63;
+  toc.Add(half, half, DumpRawSector, L"middle");
+  toc.Add(0, 0, DumpRawSector, L"zero");
+  toc.Add(kLastSector, kLastSector, DumpRawSector, L"last");
+  toc.Add(0, half, DumpRawSector, L"run");
+  EXPECT_EQ(RunsOf(toc),
+            "0-0 zero; 1-9223372036854775807 run; 9223372036854775808-9223372036854775808 middle; "
+            "18446744073709551615-18446744073709551615 last; ");
+  toc.Add(0, kLastSector, DumpRawSector, L"run");
+  EXPECT_EQ(RunsOf(toc),
+            "0-0 zero; 1-9223372036854775807 run; 9223372036854775808-9223372036854775808 middle; "
+            "9223372036854775809-18446744073709551614 run; 18446744073709551615-18446744073709551615 last; ");
+}
+
+TEST(SectorToc, NeighboursOfTheSameKindAreOneRun) {
+  SectorToc toc;
+  toc.Add(10, 10, DumpRawSector, L"a");
+  toc.Add(11, 11, DumpRawSector, L"a");  // behind
+  toc.Add(9, 9, DumpRawSector, L"a");    // in front
+  toc.Add(13, 14, DumpRawSector, L"a");
+  EXPECT_EQ(RunsOf(toc), "9-11 a; 13-14 a; ");
+  toc.Add(12, 12, DumpRawSector, L"a");  // between
+  EXPECT_EQ(RunsOf(toc), "9-14 a; ");
+}
+
+TEST(SectorToc, NeighboursOfAnotherKindAreNot) {
+  SectorToc toc;
+  toc.Add(10, 10, DumpRawSector, L"a");
+  toc.Add(11, 11, DumpRawSector, L"b");
+  toc.Add(12, 12, DumpLabelledRawSector, L"b");
+  EXPECT_EQ(RunsOf(toc), "10-10 a; 11-11 b; 12-12 b; ");
+  EXPECT_EQ(toc.At(11)->decoder, &DumpRawSector);
+  EXPECT_EQ(toc.At(12)->decoder, &DumpLabelledRawSector);
+}
+
+TEST(SectorToc, LaterRunFillsTheGaps) {
+  SectorToc toc;
+  toc.Add(10, 12, DumpRawSector, L"a");
+  toc.Add(20, 20, DumpRawSector, L"b");
+  toc.Add(11, 25, DumpRawSector, L"c");
+  toc.Add(5, 30, DumpRawSector, L"a");
+  EXPECT_EQ(RunsOf(toc), "5-12 a; 13-19 c; 20-20 b; 21-25 c; 26-30 a; ");
+}
+
+TEST(SectorToc, FindsTheSectorItselfInsideARun) {
+  SectorToc toc;
+  toc.Add(10, 20, DumpRawSector, L"a");
+  for (const auto& [asked, first] : {std::pair<u64, u64>{0, 10}, {9, 10}, {10, 10}, {15, 15}, {20, 20}}) {
+    const auto found = toc.FirstAtOrAfter(asked);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->first, first);
+    EXPECT_EQ(found->last, 20u);
+  }
+  EXPECT_FALSE(toc.FirstAtOrAfter(21));
+  EXPECT_FALSE(toc.At(9));
+  EXPECT_TRUE(toc.At(10));
+}
+
+TEST(SectorToc, DescriptionsAreCopied) {
+  SectorToc toc;
+  {
+    std::wstring text = L"temporary";
+    toc.Add(1, 1, DumpRawSector, text);
+    text.assign(text.size(), L'x');
+  }
+  const TocEntry entry = *toc.At(1);
+  for (u64 i = 0; i < 1000; ++i)  // what was handed out stays as the table grows
+    toc.Add(10 + i, 10 + i, DumpRawSector, std::to_wstring(i));
+  EXPECT_EQ(entry.description, L"temporary");
+  EXPECT_EQ(toc.At(1)->description, L"temporary");
+}
+
+TEST(AddTocEntry, FirstRegistrationWinsAndEveryOneSucceeds) {
+  Global global;
+  EXPECT_TRUE(AddTocEntry(global, 7, DumpRawSector, L"first"));
+  EXPECT_TRUE(AddTocEntry(global, 7, DumpLabelledRawSector, L"second"));
+  EXPECT_EQ(global.toc.At(7)->description, L"first");
+  EXPECT_EQ(global.toc.At(7)->decoder, &DumpRawSector);
+  EXPECT_TRUE(AddTocEntry(global, kLastSector, DumpRawSector, L"last"));
+  EXPECT_EQ(RunsOf(global.toc), "7-7 first; 18446744073709551615-18446744073709551615 last; ");
+}
+
+TEST(AddTocRun, EndIsNotPartOfIt) {
+  Global global;
+  EXPECT_TRUE(AddTocRun(global, 5, 8, DumpRawSector, L"run"));
+  EXPECT_TRUE(AddTocRun(global, 20, 20, DumpRawSector, L"none"));
+  EXPECT_TRUE(AddTocRun(global, 20, 19, DumpRawSector, L"none"));
+  EXPECT_TRUE(AddTocRun(global, kLastSector, 0, DumpRawSector, L"none"));
+  EXPECT_EQ(RunsOf(global.toc), "5-7 run; ");
+}
+
+// A million single sectors, no two adjacent, in one order; measured in a process of its own.
+void ExpectAMillionEntriesToBeSmall(const char* name, const std::vector<u64>& sectors) {
+  test::RunChild([] { std::exit(0); });  // what this process brings along is the same for both
+  const long base = test::RunChild([] { std::exit(0); }).peakKiB;
+  const auto start = std::chrono::steady_clock::now();
+  const test::Outcome outcome = test::RunChild([&] {
+    SectorToc toc;
+    for (const u64 sector : sectors)
+      toc.Add(sector, sector, DumpRawSector, L"single");
+    u64 entries = 0;
+    u64 position = 0;
+    while (const auto found = toc.FirstAtOrAfter(position)) {
+      position = found->last + 1;
+      ++entries;
+    }
+    std::_Exit(entries == sectors.size() ? 0 : 1);
+  });
+  const auto elapsed = std::chrono::steady_clock::now() - start;
+  const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
+  const double bytes =
+      static_cast<double>(outcome.peakKiB - base) * 1024 / static_cast<double>(sectors.size());
+  std::cout << name << ": " << bytes << " bytes an entry, " << milliseconds << " ms\n";
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_LT(milliseconds, 10000);
+  if (test::kMemoryCounts) {
+    EXPECT_LT(bytes, 48) << "24 of them are the run itself";
+  }
+}
+
+std::vector<u64> AMillionSectors() {
+  std::vector<u64> sectors(1000000);
+  std::iota(sectors.begin(), sectors.end(), u64{0});
+  for (u64& sector : sectors)
+    sector = 2 * sector + 1;
+  return sectors;
+}
+
+TEST(SectorTocSize, AMillionEntriesInAscendingOrder) {
+  ExpectAMillionEntriesToBeSmall("ascending", AMillionSectors());
+}
+
+TEST(SectorTocSize, AMillionEntriesInDescendingOrder) {
+  std::vector<u64> sectors = AMillionSectors();
+  std::reverse(sectors.begin(), sectors.end());
+  ExpectAMillionEntriesToBeSmall("descending", sectors);
+}
+
+TEST(SectorTocSize, AMillionEntriesInRandomOrder) {
+  std::vector<u64> sectors = AMillionSectors();
+  std::shuffle(sectors.begin(), sectors.end(), std::mt19937(1));
+  ExpectAMillionEntriesToBeSmall("random", sectors);
 }
 
 }  // namespace

@@ -1,0 +1,171 @@
+// Block devices: loop devices made of images, and the disks that the machine numbers. What a machine cannot
+// do is skipped with the reason, and shows in the list of skipped tests.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "tests/disks/gpt.h"
+#include "tests/support/expected.h"
+#include "tests/support/strace.h"
+
+namespace trovisk::test {
+namespace {
+
+// What the shell command prints, and whether it succeeded.
+std::pair<std::string, bool> Shell(const std::string& command) {
+  std::string text;
+  FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+  if (pipe == nullptr) return {"popen failed", false};
+  char bytes[4096];
+  while (const std::size_t got = std::fread(bytes, 1, sizeof bytes, pipe))
+    text.append(bytes, got);
+  return {text, pclose(pipe) == 0};
+}
+
+// A loop device on an image, while it lives.
+class LoopDevice {
+ public:
+  LoopDevice(const std::string& image, u32 sectorSize) {
+    const auto [text, made] =
+        Shell("PATH=$PATH:/sbin:/usr/sbin losetup --find --show --read-only --sector-size " +
+              std::to_string(sectorSize) + " " + image);
+    if (made) {
+      path_ = text.substr(0, text.find('\n'));
+    } else {
+      problem_ = text;
+    }
+  }
+  LoopDevice(const LoopDevice&) = delete;
+  LoopDevice& operator=(const LoopDevice&) = delete;
+  ~LoopDevice() {
+    if (!path_.empty()) Shell("PATH=$PATH:/sbin:/usr/sbin losetup --detach " + path_);
+  }
+
+  const std::string& Path() const { return path_; }
+  const std::string& Problem() const { return problem_; }
+
+ private:
+  std::string path_;
+  std::string problem_;
+};
+
+// losetup itself must be there; that the machine lets nobody make loop devices is not the program's affair.
+void RequireLosetup() {
+  ASSERT_TRUE(Shell("PATH=$PATH:/sbin:/usr/sbin command -v losetup").second)
+      << "losetup is missing: install mount or util-linux";
+}
+
+#define SKIP_WITHOUT(device) \
+  if (!(device).Problem().empty()) GTEST_SKIP() << "no loop device: " << (device).Problem()
+
+void ExpectSameReports(const std::string& device, const std::string& image,
+                       const std::vector<std::string>& sectors) {
+  const auto report = [&](const std::string& disk) {
+    std::vector<std::string> arguments = {disk};
+    arguments.insert(arguments.end(), sectors.begin(), sectors.end());
+    Outcome outcome = RunProgram(Build::kInventedCode, arguments);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0);
+    const std::size_t at = outcome.out.find(disk);
+    EXPECT_NE(at, std::string::npos);
+    if (at != std::string::npos) outcome.out.replace(at, disk.size(), "<disk>");
+    return outcome.out;
+  };
+  EXPECT_TRUE(SameText(report(device), report(image)));
+}
+
+class LoopDeviceTest : public ::testing::TestWithParam<u32> {};
+
+// A device tells its own sector size and length: the same reports as of the image with that size.
+TEST_P(LoopDeviceTest, GivesTheReportsOfItsImage) {
+  RequireLosetup();
+  Disk disk(256, GetParam());
+  PutGpt(disk, {{.first = 40, .last = 50}});
+  disk.At(60).Text(0, "sixty");
+  disk.At(255).U8(0, disk.At(255).View()[0]);
+  const std::string image = ScratchPath("loop" + std::to_string(GetParam()) + ".img");
+  disk.Write(image);
+  const LoopDevice device(image, GetParam());
+  SKIP_WITHOUT(device);
+  const std::string sized = image + "@" + std::to_string(GetParam());
+  ExpectSameReports(device.Path(), sized, {});
+  ExpectSameReports(device.Path(), sized, {"60"});
+  ExpectSameReports(device.Path(), sized, {"0", "255"});
+}
+
+TEST_P(LoopDeviceTest, EndsWhereItsImageEnds) {
+  RequireLosetup();
+  Disk disk(64, GetParam());
+  PutBootRecordBytes(disk, {.entries = {{.type = 0x05, .first = 4000000000}}});
+  const std::string image = ScratchPath("end" + std::to_string(GetParam()) + ".img");
+  disk.Write(image);
+  const LoopDevice device(image, GetParam());
+  SKIP_WITHOUT(device);
+  // A seek beyond the end is accepted, on a device as on a file; the read is a short one.
+  const Outcome outcome = RunProgram(Build::kInventedCode, {device.Path()});
+  EXPECT_EQ(outcome.err, "Global::Read short read, needed " + std::to_string(GetParam()) +
+                             ", got 0\nError reading sector\n");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(outcome.out.ends_with("4000000000\tSupplementary Boot Record\n"));
+  EXPECT_EQ(RunProgram(Build::kInventedCode, {device.Path(), "64"}).err,
+            "There aren't that many sectors on the disk !!\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(SectorSizes, LoopDeviceTest, ::testing::Values(512u, 4096u));
+
+// A size of one's choice is for images alone.
+TEST(LoopDevice, TakesNoSectorSizeFromItsArgument) {
+  RequireLosetup();
+  const std::string image = ScratchPath("chosen.img");
+  Disk(64).Write(image);
+  const LoopDevice device(image, 512);
+  SKIP_WITHOUT(device);
+  const std::string argument = device.Path() + "@512";
+  EXPECT_EQ(RunProgram(Build::kShipped, {argument}).err,
+            "Global::Open: couldn't get disk geometry \\\\.\\PhysicalDrive" + argument +
+                " IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error 22\n");
+}
+
+// The disk of a number is the block device of that place in the kernel's list, loop devices left out.
+TEST(DiskNumber, OpensTheDiskOfThatPlace) {
+  std::ifstream list("/proc/partitions");
+  std::string line;
+  std::vector<std::string> names;
+  while (std::getline(list, line)) {
+    std::istringstream words(line);
+    std::string major;
+    std::string minor;
+    std::string blocks;
+    std::string name;
+    if (!(words >> major >> minor >> blocks >> name) || major == "major") continue;
+    const bool disk = name.starts_with("vd") || name.starts_with("sd") || name.starts_with("nvme");
+    if (disk && !std::filesystem::exists("/sys/class/block/" + name + "/partition")) names.push_back(name);
+  }
+  if (names.empty()) GTEST_SKIP() << "the machine shows no disk in /proc/partitions";
+  // The same disk by its number and by its path, whether this user may read it or not.
+  const std::string path = "/dev/" + names[0];
+  const Trace numbered = TraceProgram({"0", "0"});
+  const Outcome named = RunProgram(Build::kShipped, {path, "0"});
+  const auto opened = [&](const std::string& call) {
+    return call.find('"' + path + '"') != std::string::npos;
+  };
+  EXPECT_TRUE(std::any_of(numbered.calls.begin(), numbered.calls.end(), opened)) << path;
+  const auto unnamed = [&](std::string text) {
+    const std::string prefix = "PhysicalDrive";
+    if (const std::size_t at = text.find(prefix + path); at != std::string::npos) {
+      text.replace(at, prefix.size() + path.size(), prefix + "0");
+    }
+    return text;
+  };
+  EXPECT_TRUE(SameText(numbered.outcome.out, unnamed(named.out)));
+  EXPECT_TRUE(SameText(numbered.outcome.err, unnamed(named.err)));
+  EXPECT_EQ(numbered.outcome.status, named.status);
+}
+
+}  // namespace
+}  // namespace trovisk::test
