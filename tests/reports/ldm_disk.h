@@ -51,6 +51,24 @@ inline std::string LdmReportOf(const Disk& disk, u64 sector) {
   return report.empty() ? report : report.substr(1);
 }
 
+// The same disk with a VMDB, so that the walk gets to the records, and with one record.
+inline Disk DiskWithRecord(const VblkRecord& record, std::size_t slot = 0) {
+  Disk disk = DynamicDisk();
+  PutVmdb(disk, kVmdbSector, {});
+  PutVblk(disk, kVblkSector, slot, record);
+  return disk;
+}
+
+// The part of a record's report that its type makes: from the line behind "Record Type" up to the flags.
+inline std::string TypeBlockOf(const VblkRecord& record, std::size_t slot = 0) {
+  const std::string report = LdmReportOf(DiskWithRecord(record, slot), kVblkSector);
+  const std::size_t type = report.find("\nRecord Type   : ");
+  const std::size_t start = report.find('\n', type + 1) + 1;
+  const std::size_t end = report.find("\nFlags         : 0x") + 1;
+  EXPECT_TRUE(type != std::string::npos && end > start) << report;
+  return end > start ? report.substr(start, end - start) : report;
+}
+
 // The table of contents of such a disk, from the rows behind those of sectors 0 and 6.
 inline std::string TocWithMbr(const std::string& rest) {
   return "         0\tMaster Boot Record\n         6\tPRIVHEAD Sector\n" + rest;
