@@ -170,9 +170,9 @@ TEST(VblkDisk, AlternateNameIsCut) {
     data.Id({2}).Text("Disk1").Text(kDiskId).Text(letters.substr(0, length)).Zeros(4).Be(77, 8);
     const std::string name = letters.substr(0, std::min<std::size_t>(length, 46));
     const std::string block = TypeBlockOf(Record(0x34, data));
-    const std::string commit = length <= 46 ? "\tLog Commit Id.     : 77\n" : "";
-    EXPECT_TRUE(block.ends_with(" }\n\tAlternate Name     : [ " + name + " ]\n" + commit + "\n"))
-        << length << block;
+    std::string end = " }\n\tAlternate Name     : [ " + name + " ]\n";
+    end += length <= 46 ? "\tLog Commit Id.     : 77\n\n" : "\n";
+    EXPECT_TRUE(block.ends_with(end)) << length << block;
   }
 }
 
