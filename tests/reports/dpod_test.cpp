@@ -131,12 +131,11 @@ TEST(Dpod, EveryRecordOfAPartition) {
   EXPECT_EQ(outcome.err, "");
   for (u64 sector = kDpod; sector < kFirst + 5; ++sector) {
     const std::string number = std::to_string(sector);
-    EXPECT_NE(outcome.out.find("Reading sector # " + number +
-                               " [DPOD sector]\n\nMagic Number                    : [DPOD]\n"
-                               "Data Size (bytes) ?             : " +
-                               number + "\n"),
-              std::string::npos);
-    EXPECT_NE(outcome.out.find("Reading sector # " + number + " [as a raw sector]\n"), std::string::npos);
+    const std::string header = "Reading sector # " + number;
+    std::string report = header + " [DPOD sector]\n\nMagic Number                    : [DPOD]\n";
+    report += "Data Size (bytes) ?             : " + number + "\n";
+    EXPECT_NE(outcome.out.find(report), std::string::npos);
+    EXPECT_NE(outcome.out.find(header + " [as a raw sector]\n"), std::string::npos);
   }
 }
 

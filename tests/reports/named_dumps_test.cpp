@@ -11,8 +11,8 @@ namespace {
 
 constexpr u64 kVolume = 63;
 constexpr u64 kBootCode2 = kVolume + 2;  // "2 of 8"
-constexpr u64 kMftMirror = kVolume + 2 * 8;
-constexpr u64 kMft = kVolume + 4 * 8;
+constexpr u64 kMftMirror = kVolume + u64{2} * 8;
+constexpr u64 kMft = kVolume + u64{4} * 8;
 constexpr char kColumns[] = "\n       00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f\n\n";
 
 Disk NtfsDisk(u64 sectors = 4096, u32 sectorSize = 512) {
