@@ -35,7 +35,7 @@ constexpr u32 kShortestReference = 48;
 constexpr u8 kCrc32C = 1;
 constexpr u8 kCrc64 = 2;
 
-constexpr unsigned kLcns = 4;
+constexpr std::size_t kLcns = 4;
 
 void PrintChecksumType(u8 type) {
   std::cout << "            Checkum Type    : ";
@@ -76,7 +76,7 @@ void PrintReFsPageHeader(FixedBytes<kReFsPageHeaderSize> header, std::string_vie
   PrintHex(Le32<kVolumeSignature>(header), 8);
   std::cout << LineEnd << "Virtual Allocator Clock     : " << Le64<kAllocatorClock>(header) << LineEnd
             << "Tree Update Clock           : " << Le64<kTreeClock>(header) << LineEnd;
-  for (unsigned i = 0; i < kLcns; ++i) {
+  for (std::size_t i = 0; i < kLcns; ++i) {
     std::cout << "Logical Cluster Number #" << i << "   : " << lcnPrefix;
     PrintHex(Le64At(Part<kPageLcns, kLcns * 8>(header), 8 * i), 16);
     std::cout << LineEnd;
@@ -98,7 +98,7 @@ void PrintSelfDescriptor(Bytes page, u32 offset, u32 length) {
 
 void PrintPageReference(Bytes reference) {
   std::cout << LineEnd;
-  for (unsigned i = 0; i < kLcns; ++i) {
+  for (std::size_t i = 0; i < kLcns; ++i) {
     std::cout << "            LCN#" << i << "           : 0x";
     PrintHex(Le64At(reference, kReferenceLcns + 8 * i), 16);
     std::cout << LineEnd;

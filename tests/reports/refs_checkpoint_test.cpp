@@ -13,8 +13,10 @@ namespace trovisk::test {
 namespace {
 
 constexpr u64 kBoot = 2048;
-constexpr u64 kCheckpoint = kBoot + 0x1E0 * 8;
-constexpr u64 kSecondCheckpoint = kBoot + 0x1E8 * 8;
+constexpr u64 kCluster = 8;  // sectors
+constexpr u64 kSuperblock = kBoot + 30 * kCluster;
+constexpr u64 kCheckpoint = kBoot + 0x1E0 * kCluster;
+constexpr u64 kSecondCheckpoint = kBoot + 0x1E8 * kCluster;
 
 // A disk with one volume of eight sectors per cluster, whose superblock names the checkpoints in the clusters
 // 0x1E0 and, with two, 0x1E8; the first is written.
@@ -22,7 +24,7 @@ Disk DiskWith(const ReFsCheckpoint& checkpoint, u32 checkpoints = 1, u32 sectorS
   Disk disk(16384, sectorSize);
   PutBootRecord(disk, 0, {.entries = {{.type = 0x07, .first = kBoot, .count = 12288}}});
   PutReFsBootRecord(disk, kBoot, {.sectorCount = 1, .sectorsPerCluster = 8});
-  PutReFsSuperblock(disk, kBoot + 30 * 8, {.referenceCount = checkpoints});
+  PutReFsSuperblock(disk, kSuperblock, {.referenceCount = checkpoints});
   PutReFsCheckpoint(disk, kCheckpoint, checkpoint);
   return disk;
 }

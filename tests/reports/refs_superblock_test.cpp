@@ -14,7 +14,8 @@ namespace trovisk::test {
 namespace {
 
 constexpr u64 kBoot = 2048;
-constexpr u64 kSuperblock = kBoot + 30 * 8;
+constexpr u64 kCluster = 8;  // sectors
+constexpr u64 kSuperblock = kBoot + 30 * kCluster;
 
 // A disk with one volume of eight sectors per cluster. The backup boot record in its last sector brings the
 // stream back to decimal behind checkpoints that are empty.
