@@ -37,19 +37,28 @@ inline u8 U8At(Bytes bytes, u64 position) {
   return position < bytes.size() ? bytes[position] : u8{0};
 }
 
+// At most count bytes from a computed position, cut at the view's end; empty when the position lies outside.
+inline Bytes SliceAt(Bytes bytes, u64 position, u64 count) {
+  if (position >= bytes.size()) return {};
+  return bytes.subspan(static_cast<std::size_t>(position),
+                       static_cast<std::size_t>(std::min<u64>(count, bytes.size() - position)));
+}
+
 // Integers of Width bytes at a computed position, least or most significant byte first.
 template <std::size_t Width>
 u64 LittleEndianAt(Bytes bytes, u64 position) {
+  const Bytes field = SliceAt(bytes, position, Width);
   u64 value = 0;
   for (std::size_t i = Width; i-- > 0;)
-    value = value << 8 | U8At(bytes, position + i);
+    value = value << 8 | U8At(field, i);
   return value;
 }
 template <std::size_t Width>
 u64 BigEndianAt(Bytes bytes, u64 position) {
+  const Bytes field = SliceAt(bytes, position, Width);
   u64 value = 0;
   for (std::size_t i = 0; i < Width; ++i)
-    value = value << 8 | U8At(bytes, position + i);
+    value = value << 8 | U8At(field, i);
   return value;
 }
 inline u16 Le16At(Bytes bytes, u64 position) {
@@ -69,13 +78,6 @@ inline u32 Be32At(Bytes bytes, u64 position) {
 }
 inline u64 Be64At(Bytes bytes, u64 position) {
   return BigEndianAt<8>(bytes, position);
-}
-
-// At most count bytes from a computed position, cut at the view's end; empty when the position lies outside.
-inline Bytes SliceAt(Bytes bytes, u64 position, u64 count) {
-  if (position >= bytes.size()) return {};
-  return bytes.subspan(static_cast<std::size_t>(position),
-                       static_cast<std::size_t>(std::min<u64>(count, bytes.size() - position)));
 }
 
 // From a computed position to the view's end.

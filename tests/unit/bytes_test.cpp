@@ -92,6 +92,12 @@ TEST(Bytes, SlicesOfAnyPositionAndCount) {
   EXPECT_TRUE(SliceAt(kView, ~u64{0}, ~u64{0}).empty());
 }
 
+// A position just below 2^64 lies outside as well: it does not come round to the start.
+TEST(Bytes, NumbersBelowTheLargestPosition) {
+  EXPECT_EQ(Le32At(kView, ~u64{0} - 1), 0U);
+  EXPECT_EQ(Be64At(kView, ~u64{0}), 0U);
+}
+
 TEST(Bytes, FromAPositionToTheEnd) {
   EXPECT_EQ(FromAt(kView, 0).size(), 10U);
   EXPECT_EQ(FromAt(kView, 9).size(), 1U);
