@@ -114,9 +114,9 @@ TEST_F(GlobalTest, LengthThatFailsIsAllOnes) {
 
 TEST_F(GlobalTest, SeekRefusedNamesTheSectorRoundedDown) {
   Open({Disk(), {{.call = Call::kSeek, .calls = 9, .error = 22}}});
-  EXPECT_FALSE(global_.Seek(7 * 512));
+  EXPECT_FALSE(global_.Seek(3584));
   EXPECT_EQ(error_.Take(), "Global::Seek failed to seek to sector 7, error 22\n");
-  EXPECT_FALSE(global_.Seek(8 * 512 - 1));
+  EXPECT_FALSE(global_.Seek(4095));
   EXPECT_EQ(error_.Take(), "Global::Seek failed to seek to sector 7, error 22\n");
   EXPECT_FALSE(global_.Seek(~u64{0}));
   EXPECT_EQ(error_.Take(), "Global::Seek failed to seek to sector 36028797018963967, error 22\n");

@@ -52,7 +52,7 @@ std::string WriteImage(const std::string& name, std::size_t bytes,
   std::string image(bytes, '\0');
   for (const std::size_t offset : signatures)
     image.replace(offset, 8, "EFI PART");
-  const std::string path = ScratchPath(name);
+  std::string path = ScratchPath(name);
   std::ofstream(path, std::ios::binary) << image;
   return path;
 }

@@ -74,6 +74,7 @@ u32 Fill(u8* buffer, u64 position, u64 count) {
 
 std::vector<char*> Argv(std::vector<std::string>& arguments) {
   std::vector<char*> argv;
+  argv.reserve(arguments.size() + 1);
   for (std::string& argument : arguments)
     argv.push_back(argument.data());
   argv.push_back(nullptr);

@@ -15,12 +15,14 @@ std::vector<std::string> Trace::Of(const std::string& start) const {
   return found;
 }
 
-Trace TraceProgram(const std::vector<std::string>& arguments) {
+Trace TraceProgram(const std::vector<std::string>& arguments, const std::string& inject) {
   const std::string list = ScratchPath("trace");
-  std::vector<std::string> words = {"strace", "-f", "-qq", "-s",
-                                    "0",      "-o", list,  ProgramPath(Build::kShipped)};
+  std::vector<std::string> words = {"strace", "-f", "-qq", "-s", "0", "-o", list};
+  if (!inject.empty()) words.push_back("--inject=" + inject);
+  words.push_back(ProgramPath(Build::kShipped));
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
   for (std::string& word : words)
     argv.push_back(word.data());
   argv.push_back(nullptr);

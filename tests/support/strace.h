@@ -19,7 +19,8 @@ struct Trace {
 };
 
 // Runs the shipped program under strace. Fails the test where strace is missing or may not trace.
-Trace TraceProgram(const std::vector<std::string>& arguments);
+// inject: calls that fail, as strace's option of that name takes them, e.g. "pread64:error=EIO:when=3".
+Trace TraceProgram(const std::vector<std::string>& arguments, const std::string& inject = "");
 
 }  // namespace trovisk::test
 
