@@ -1,6 +1,6 @@
 """What the comparisons with other tools share.
 
-A comparison makes a disk image with a tool, runs the program (its path is the script's only argument) on it,
+A comparison makes a disk image with a tool, runs the program (its path is the script's first argument) on it,
 and checks each printed value against what the tool itself says of the image. It ends with status 1 when
 anything differs.
 """
