@@ -1,0 +1,119 @@
+#!/usr/bin/env python3
+"""Writes the software bill of materials of a release to standard output: SPDX 2.3 in JSON.
+
+    SOURCE_DATE_EPOCH=... sbom.py VERSION COMMIT SOURCES DEB ZIP
+
+Everything in it follows from the arguments, the files and the compilers, so the same release gives the same bill.
+"""
+
+import datetime
+import hashlib
+import json
+import os
+import subprocess
+import sys
+import uuid
+
+SUPPLIER = "Organization: the Trovisk authors"
+GCC_LICENSE = "GPL-3.0-or-later WITH GCC-exception-3.1"
+MINGW_CXX = "x86_64-w64-mingw32-g++-posix"
+
+
+def output_of(*command, text=""):
+    return subprocess.run(command, input=text, capture_output=True, text=True, check=True).stdout.strip()
+
+
+def mingw_version():
+    source = "#include <_mingw.h>\n__MINGW64_VERSION_STR\n"
+    last = output_of(MINGW_CXX, "-E", "-P", "-x", "c++", "-", text=source).splitlines()[-1]
+    return last.replace('"', "").replace(" ", "")
+
+
+def package(identifier, name, version, license_name, copyright_text, purpose, **more):
+    return {
+        "SPDXID": "SPDXRef-" + identifier,
+        "name": name,
+        "versionInfo": version,
+        "downloadLocation": "NOASSERTION",
+        "filesAnalyzed": False,
+        "licenseConcluded": license_name,
+        "licenseDeclared": license_name,
+        "copyrightText": copyright_text,
+        "primaryPackagePurpose": purpose,
+        **more,
+    }
+
+
+def artefact(identifier, version, path, purpose, **more):
+    with open(path, "rb") as file:
+        content = file.read()
+    checksums = [
+        {"algorithm": name.upper(), "checksumValue": hashlib.new(name, content).hexdigest()} for name in ("sha1", "sha256")
+    ]
+    return package(
+        identifier,
+        "trovisk",
+        version,
+        "MIT",
+        "Copyright (c) 2026 the Trovisk authors",
+        purpose,
+        packageFileName=os.path.basename(path),
+        supplier=SUPPLIER,
+        checksums=checksums,
+        **more,
+    )
+
+
+def library(identifier, name, version, license_name):
+    return package(identifier, name, version, license_name, "NOASSERTION", "LIBRARY", supplier="NOASSERTION")
+
+
+def main():
+    version, commit, sources, deb, windows_zip = sys.argv[1:]
+    created = datetime.datetime.fromtimestamp(int(os.environ["SOURCE_DATE_EPOCH"]), datetime.timezone.utc)
+    packages = [
+        artefact("Sources", version, sources, "SOURCE", sourceInfo="git commit " + commit),
+        artefact("Debian", version, deb, "INSTALL"),
+        artefact("Windows", version, windows_zip, "ARCHIVE"),
+        library("gcc", "libstdc++ and libgcc", output_of("c++", "-dumpfullversion"), GCC_LICENSE),
+        library("glibc", "glibc", output_of("getconf", "GNU_LIBC_VERSION").split()[-1], "LGPL-2.1-or-later"),
+        library("gcc-windows", "libstdc++ and libgcc", output_of(MINGW_CXX, "-dumpfullversion"), GCC_LICENSE),
+        library("mingw-w64", "mingw-w64 runtime and winpthreads", mingw_version(), "NOASSERTION"),
+    ]
+    relationships = [
+        ("DOCUMENT", "DESCRIBES", "Sources"),
+        ("DOCUMENT", "DESCRIBES", "Debian"),
+        ("DOCUMENT", "DESCRIBES", "Windows"),
+        ("Debian", "GENERATED_FROM", "Sources"),
+        ("Windows", "GENERATED_FROM", "Sources"),
+        ("Debian", "STATIC_LINK", "gcc"),
+        ("Debian", "DYNAMIC_LINK", "glibc"),
+        ("Windows", "STATIC_LINK", "gcc-windows"),
+        ("Windows", "STATIC_LINK", "mingw-w64"),
+    ]
+    digests = "".join(each["checksumValue"] for made in packages[:3] for each in made["checksums"])
+    bill = {
+        "spdxVersion": "SPDX-2.3",
+        "dataLicense": "CC0-1.0",
+        "SPDXID": "SPDXRef-DOCUMENT",
+        "name": "trovisk-" + version,
+        "documentNamespace": "urn:uuid:" + str(uuid.uuid5(uuid.NAMESPACE_OID, digests)),
+        "creationInfo": {
+            "created": created.strftime("%Y-%m-%dT%H:%M:%SZ"),
+            "creators": [SUPPLIER, "Tool: packaging/sbom.py-" + version],
+        },
+        "packages": packages,
+        "relationships": [
+            {
+                "spdxElementId": "SPDXRef-" + of,
+                "relationshipType": kind,
+                "relatedSpdxElement": "SPDXRef-" + to,
+            }
+            for of, kind, to in relationships
+        ],
+    }
+    json.dump(bill, sys.stdout, indent=2)
+    print()
+
+
+main()
