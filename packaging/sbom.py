@@ -19,14 +19,15 @@ GCC_LICENSE = "GPL-3.0-or-later WITH GCC-exception-3.1"
 MINGW_CXX = "x86_64-w64-mingw32-g++-posix"
 
 
-def output_of(*command, text=""):
-    return subprocess.run(command, input=text, capture_output=True, text=True, check=True).stdout.strip()
+def preprocessed(compiler, text):
+    """What a compiler's preprocessor makes of the last line of a text, without blanks and quotation marks."""
+    command = [compiler, "-E", "-P", "-x", "c++", "-"]
+    output = subprocess.run(command, input=text, capture_output=True, text=True, check=True).stdout
+    return output.splitlines()[-1].replace(" ", "").replace('"', "")
 
 
-def mingw_version():
-    source = "#include <_mingw.h>\n__MINGW64_VERSION_STR\n"
-    last = output_of(MINGW_CXX, "-E", "-P", "-x", "c++", "-", text=source).splitlines()[-1]
-    return last.replace('"', "").replace(" ", "")
+def compiler_version(compiler):
+    return preprocessed(compiler, "__GNUC__.__GNUC_MINOR__.__GNUC_PATCHLEVEL__\n")
 
 
 def package(identifier, name, version, license_name, copyright_text, purpose, **more):
@@ -71,14 +72,16 @@ def library(identifier, name, version, license_name):
 def main():
     version, commit, sources, deb, windows_zip = sys.argv[1:]
     created = datetime.datetime.fromtimestamp(int(os.environ["SOURCE_DATE_EPOCH"]), datetime.timezone.utc)
+    glibc = preprocessed("c++", "#include <features.h>\n__GLIBC__.__GLIBC_MINOR__\n")
+    mingw = preprocessed(MINGW_CXX, "#include <_mingw.h>\n__MINGW64_VERSION_MAJOR.__MINGW64_VERSION_MINOR\n")
     packages = [
         artefact("Sources", version, sources, "SOURCE", sourceInfo="git commit " + commit),
         artefact("Debian", version, deb, "INSTALL"),
         artefact("Windows", version, windows_zip, "ARCHIVE"),
-        library("gcc", "libstdc++ and libgcc", output_of("c++", "-dumpfullversion"), GCC_LICENSE),
-        library("glibc", "glibc", output_of("getconf", "GNU_LIBC_VERSION").split()[-1], "LGPL-2.1-or-later"),
-        library("gcc-windows", "libstdc++ and libgcc", output_of(MINGW_CXX, "-dumpfullversion"), GCC_LICENSE),
-        library("mingw-w64", "mingw-w64 runtime and winpthreads", mingw_version(), "NOASSERTION"),
+        library("gcc", "libstdc++ and libgcc", compiler_version("c++"), GCC_LICENSE),
+        library("glibc", "glibc", glibc, "LGPL-2.1-or-later"),
+        library("gcc-windows", "libstdc++ and libgcc", compiler_version(MINGW_CXX), GCC_LICENSE),
+        library("mingw-w64", "mingw-w64 runtime and winpthreads", mingw, "NOASSERTION"),
     ]
     relationships = [
         ("DOCUMENT", "DESCRIBES", "Sources"),

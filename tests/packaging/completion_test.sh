@@ -10,22 +10,23 @@ mkdir images
 touch disk.img "two words.IMG" disk.raw notes.txt images/usb.dd images/usb.txt
 failed=0
 
-# expect WORD... = COMPLETION...: the last word is the one under the cursor.
+# offered WORD...: what is offered for the last word.
+offered() {
+  COMP_WORDS=(trovisk "$@")
+  COMP_CWORD=$#
+  _trovisk
+}
+
+# expect WORD... = COMPLETION...
 expect() {
-  local -a words=(trovisk)
+  local -a words=()
   while [ "$1" != = ]; do
     words+=("$1")
     shift
   done
   shift
-  COMP_WORDS=("${words[@]}")
-  COMP_CWORD=$((${#words[@]} - 1))
-  COMPREPLY=()
-  _trovisk
-  local found wanted
-  found=$(printf '[%s] ' "${COMPREPLY[@]}" | tr ' ' '\n' | sort -u)
-  wanted=$(printf '[%s] ' "$@" | tr ' ' '\n' | sort -u)
-  if [ "$found" != "$wanted" ]; then
+  offered "${words[@]}"
+  if [ "$(printf '%s\n' "${COMPREPLY[@]}" | sort -u)" != "$(printf '%s\n' "$@" | sort -u)" ]; then
     echo "${words[*]}: offered ${COMPREPLY[*]}, not $*" >&2
     failed=1
   fi
@@ -39,11 +40,12 @@ expect notes =             # no image: left to the default, any file
 expect disk.img 1 =        # sectors are not completed
 expect disk.img 1 2 =
 
-# What the system lists as disks, with a medium in them.
-disks=()
-while read -r size name; do
-  if [ "$size" != 0 ]; then disks+=("$name"); fi
-done < <(lsblk --nodeps --noheadings --bytes --paths --output SIZE,NAME --exclude '' 2>/dev/null)
-while IFS= read -r entry; do disks+=("$entry"); done < <(compgen -d /dev/)
-expect /dev/ = "${disks[@]}"
+# What the system lists as disks, with a medium in them; but for loop devices, which come and go.
+offered /dev/
+for entry in "${COMPREPLY[@]}"; do
+  if [ ! -d "$entry" ] && [[ $entry != /dev/loop* ]]; then echo "$entry"; fi
+done | sort >offered
+lsblk --nodeps --noheadings --bytes --raw --paths --output NAME,SIZE --exclude 7 |
+  awk '$2 != 0 { print $1 }' | sort >listed
+diff -u listed offered
 exit $failed
