@@ -1,6 +1,6 @@
-# What is installed where, and CPack's packages: a .deb on Linux, a .zip for Windows. The .deb is the same
-# whenever and wherever it is made; the .zip takes in the maker's user number and the folder's order, so
-# script/package makes its own.
+# What is installed where, and CPack's packages: a .deb and a .tar.gz on Linux, a .zip for Windows. The .deb
+# is the same whenever and wherever it is made; the .zip takes in the maker's user number and the folder's
+# order, so script/package makes its own.
 
 install(TARGETS trovisk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -29,8 +29,11 @@ if(WIN32)
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME trovisk-${PROJECT_VERSION}-windows-x64)
 else()
-  set(CPACK_GENERATOR DEB)
+  set(CPACK_GENERATOR DEB TGZ)
+  set(CPACK_PACKAGE_FILE_NAME trovisk-${PROJECT_VERSION}-linux-${CMAKE_SYSTEM_PROCESSOR})
 endif()
+set(CPACK_SOURCE_GENERATOR TGZ)
+set(CPACK_SOURCE_IGNORE_FILES "/\\.git" "^${CMAKE_SOURCE_DIR}/(build|dist)/")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 0trovisk1) # older than any of Debian's own
 set(CPACK_DEBIAN_PACKAGE_SECTION admin)
