@@ -14,6 +14,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string_view>
 
@@ -123,8 +124,10 @@ u64 Be64(FixedBytes<Size> bytes) {
   return Be64At(Part<Offset, 8>(bytes), 0);
 }
 
+// The first byte is zero and every other one equals the one before it.
 inline bool AllZero(Bytes bytes) {
-  return std::all_of(bytes.begin(), bytes.end(), [](u8 byte) { return byte == 0; });
+  return bytes.empty() ||
+         (bytes[0] == 0 && std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0);
 }
 
 // Whether the bytes are exactly these characters.

@@ -16,8 +16,10 @@ u64 DumpLabelledRawSector(WideText description, u64 sector, bool print);
 // Always the first 512 bytes, zeros too; read in the loading pass as well.
 u64 DumpSector512(WideText description, u64 sector, bool print);
 
-// The line above a listing: seven blanks and the sixteen column numbers in small letters.
-inline constexpr std::string_view kDumpColumns = "       00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f";
+// What stands above a listing, between two empty lines: seven blanks and the sixteen column numbers in small
+// letters.
+inline constexpr std::string_view kDumpHeading =
+    "\n       00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f\n\n";
 
 // So many rows of a listing, sixteen bytes each, offsets from the start of bytes, each ending in a line end.
 // Where bytes end in or before a row, blanks stand for what is missing.

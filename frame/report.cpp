@@ -71,6 +71,11 @@ std::ostream& LineEnd(std::ostream& out) {
   return out;
 }
 
+void PrintLines(std::string_view lines) {
+  std::cout.write(lines.data(), static_cast<std::streamsize>(lines.size()));
+  if (onTerminal) std::cout.flush();
+}
+
 std::ostream& ErrorLine() {
   FlushReport();
   return std::cerr;

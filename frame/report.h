@@ -9,6 +9,7 @@
 #define TROVISK_FRAME_REPORT_H
 
 #include <iosfwd>
+#include <string_view>
 
 namespace trovisk {
 
@@ -23,6 +24,9 @@ void FlushReport();
 
 // Ends a line of the report; used as a manipulator.
 std::ostream& LineEnd(std::ostream& out);
+
+// Prints whole lines, the last one's line end included, in one go.
+void PrintLines(std::string_view lines);
 
 // Standard error, for one line that the caller writes whole and ends in '\n'. Decimal always.
 std::ostream& ErrorLine();

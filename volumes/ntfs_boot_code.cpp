@@ -81,7 +81,8 @@ void PrintNames(const std::vector<std::wstring>& names) {
 void PrintReport(const Layout& layout, const std::vector<std::wstring>& names, SectorView sector) {
   if (!layout.heading.empty()) std::cout << LineEnd << layout.heading << LineEnd << LineEnd;
   PrintNames(names);
-  std::cout << "Bootcode : " << LineEnd << LineEnd << kDumpColumns << LineEnd << LineEnd;
+  std::cout << "Bootcode : " << LineEnd;
+  PrintLines(kDumpHeading);
   // A last row stands below the full ones even when no byte is left for it.
   const Bytes code = FromAt(sector, layout.code);
   PrintDumpRows(code, code.size() / 16 + 1);
