@@ -1,5 +1,8 @@
 #include "frame/fields.h"
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <climits>
 #include <ctime>
 #include <cwchar>
@@ -32,27 +35,51 @@ void PrintUtf8(u32 codePoint) {
 
 std::string ToNarrow(WideText text) {
   std::string narrow;
-  narrow.reserve(text.size());
+  AppendNarrow(narrow, text);
+  return narrow;
+}
+
+void AppendNarrow(std::string& line, WideText text) {
   for (const wchar_t character : text) {
     if (character == L'\0') break;
     if (character > 0 && character < 0x80) {
-      narrow += static_cast<char>(character);
+      line += static_cast<char>(character);
       continue;
     }
     char bytes[MB_LEN_MAX];
     std::mbstate_t state{};
     const std::size_t count = std::wcrtomb(bytes, character, &state);
     if (count == static_cast<std::size_t>(-1)) {
-      narrow += '?';
+      line += '?';
     } else {
-      narrow.append(bytes, count);
+      line.append(bytes, count);
     }
   }
-  return narrow;
 }
 
+void AppendNumber(std::string& line, u64 value, std::size_t width) {
+  const bool hex = (std::cout.flags() & std::ios_base::hex) != 0;
+  const bool capitals = (std::cout.flags() & std::ios_base::uppercase) != 0;
+  std::array<char, 20> digits;  // those of the largest number
+  char* const begin = digits.data();
+  char* const end = std::to_chars(begin, begin + digits.size(), value, hex ? 16 : 10).ptr;
+  if (hex && capitals)
+    std::transform(begin, end, begin,
+                   [](char digit) { return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit; });
+  const auto count = static_cast<std::size_t>(end - begin);
+  if (count < width) line.append(width - count, ' ');
+  line.append(begin, count);
+}
+
+// Assembled and printed at once: in a range dump every sector has this line and nothing else to compute.
 void PrintSectorHeader(WideText description, u64 sector) {
-  std::cout << "Reading sector # " << sector << " [" << ToNarrow(description) << "]" << LineEnd;
+  static std::string line;  // one for all headers
+  line = "Reading sector # ";
+  AppendNumber(line, sector);
+  line += " [";
+  AppendNarrow(line, description);
+  line += "]\n";
+  PrintLines(line);
 }
 
 void PrintHeading(std::string_view title, std::string_view indent) {

@@ -20,6 +20,12 @@ namespace trovisk {
 // Wide text to the C locale's narrow text, '?' for every character that it does not have; ends at a NUL.
 std::string ToNarrow(WideText text);
 
+// The same at the end of a line that is assembled before it is printed.
+void AppendNarrow(std::string& line, WideText text);
+
+// A number as the stream would print it, in its base and case, padded with blanks to the width.
+void AppendNumber(std::string& line, u64 value, std::size_t width = 0);
+
 // "Reading sector # ", the sector, the description in brackets, a line end: what every report begins with.
 void PrintSectorHeader(WideText description, u64 sector);
 

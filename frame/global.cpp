@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <iostream>
-#include <vector>
 
 #include "frame/fields.h"
 #include "frame/report.h"
@@ -68,9 +67,9 @@ bool Global::ReadExactly(u8* buffer, u64 count) {
 
 bool Global::Read(u8* buffer, u64 count) {
   if (count >= bytesPerSector) return ReadExactly(buffer, count);
-  std::vector<u8> sector(bytesPerSector);
-  if (!ReadExactly(sector.data(), sector.size())) return false;
-  if (count > 0) std::memcpy(buffer, sector.data(), static_cast<std::size_t>(count));
+  sector_.resize(bytesPerSector);
+  if (!ReadExactly(sector_.data(), sector_.size())) return false;
+  if (count > 0) std::memcpy(buffer, sector_.data(), static_cast<std::size_t>(count));
   return true;
 }
 

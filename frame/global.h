@@ -4,6 +4,8 @@
 #ifndef TROVISK_FRAME_GLOBAL_H
 #define TROVISK_FRAME_GLOBAL_H
 
+#include <vector>
+
 #include "frame/device.h"
 #include "frame/toc.h"
 
@@ -48,6 +50,7 @@ class Global {
   bool ReadExactly(u8* buffer, u64 count);
 
   Device device_;
+  std::vector<u8> sector_;  // of reads below the sector size
 };
 
 extern Global disk;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <iomanip>
 #include <iostream>
 #include <optional>
 #include <sstream>
@@ -141,8 +140,12 @@ bool PrintSectors(const Request& request, u64 walkLimit) {
   return true;
 }
 
-void PrintTocRow(u64 sector, WideText description) {
-  std::cout << std::setw(10) << std::setfill(' ') << sector << "\t" << ToNarrow(description) << LineEnd;
+// rest: what stands behind the number, line end included.
+void PrintTocRow(u64 sector, std::string_view rest, std::string& line) {
+  line.clear();
+  AppendNumber(line, sector, 10);
+  line += rest;
+  PrintLines(line);
 }
 
 // One row per registered sector.
@@ -155,13 +158,17 @@ void PrintToc(u64 lastOnDisk) {
   const u64 sectorsOnDisk = lastOnDisk + 1;
   u64 rowsBeyondDisk = 0;
   u64 position = 0;
+  std::string line;
   while (const auto run = disk.toc.FirstAtOrAfter(position)) {
+    std::string rest = "\t";
+    AppendNarrow(rest, run->entry.description);
+    rest += '\n';
     for (position = run->first;; ++position) {
       if (position >= sectorsOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->last) {
         std::cout << "       ..." << LineEnd;
         position = run->last;
       }
-      PrintTocRow(position, run->entry.description);
+      PrintTocRow(position, rest, line);
       if (position == run->last) break;
     }
     if (++position == 0) break;

@@ -226,6 +226,33 @@ TEST(ToNarrow, EndsAtANul) {
   EXPECT_EQ(ToNarrow(WideText(L"ab\0cd", 5)), "ab");
 }
 
+std::string Number(u64 value, std::size_t width = 0) {
+  std::string line = "<";
+  AppendNumber(line, value, width);
+  return line + ">";
+}
+
+TEST(AppendNumber, FollowsTheStreamsBaseAndCapitals) {
+  Printed printed;
+  EXPECT_EQ(Number(0), "<0>");
+  EXPECT_EQ(Number(~u64{0}), "<18446744073709551615>");
+  std::cout << std::hex;
+  EXPECT_EQ(Number(~u64{0}), "<ffffffffffffffff>");
+  EXPECT_EQ(Number(0xA0), "<a0>");
+  std::cout << std::uppercase;
+  EXPECT_EQ(Number(0x9A0), "<9A0>");
+  std::cout << std::dec;
+  EXPECT_EQ(Number(160), "<160>");
+}
+
+TEST(AppendNumber, BlanksFillTheWidth) {
+  Printed printed;
+  std::cout << std::setfill('0');
+  EXPECT_EQ(Number(47, 10), "<        47>");
+  EXPECT_EQ(Number(1234567890, 10), "<1234567890>");
+  EXPECT_EQ(Number(12345678901, 10), "<12345678901>");
+}
+
 TEST(PrintUtf16, AsciiAsItIs) {
   EXPECT_EQ(Utf16(u" Basic data~"), " Basic data~");
 }
