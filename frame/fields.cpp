@@ -57,6 +57,13 @@ void AppendNarrow(std::string& line, WideText text) {
   }
 }
 
+void PrintAsStored(std::string_view characters) {
+  for (const char character : characters) {
+    const bool printable = character >= 0x20 && character <= 0x7E;
+    std::cout.put(printable || !ReportOnTerminal() ? character : '?');
+  }
+}
+
 void AppendNumber(std::string& line, u64 value, std::size_t width) {
   const bool hex = (std::cout.flags() & std::ios_base::hex) != 0;
   const bool capitals = (std::cout.flags() & std::ios_base::uppercase) != 0;

@@ -29,6 +29,10 @@ void AppendNumber(std::string& line, u64 value, std::size_t width = 0);
 // "Reading sector # ", the sector, the description in brackets, a line end: what every report begins with.
 void PrintSectorHeader(WideText description, u64 sector);
 
+// Characters of a name that is shown as it stands on the disk. On a terminal '?' stands for what is not
+// printable ASCII, so that a disk cannot send escape sequences to it.
+void PrintAsStored(std::string_view characters);
+
 // A title on a line of its own and below it a line of hyphens, each led by indent. hyphens: how many, where
 // they are not as many as the title has characters.
 void PrintHeading(std::string_view title, std::string_view indent = "");

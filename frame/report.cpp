@@ -61,6 +61,10 @@ void StartReport() {
   std::cerr.tie(&std::cout);
 }
 
+bool ReportOnTerminal() {
+  return onTerminal;
+}
+
 void FlushReport() {
   std::cout.flush();
 }

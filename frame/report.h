@@ -22,6 +22,9 @@ void StartReport();
 // Hands everything printed so far to the operating system.
 void FlushReport();
 
+// Whether the report is shown on a terminal, which acts on control characters.
+bool ReportOnTerminal();
+
 // Ends a line of the report; used as a manipulator.
 std::ostream& LineEnd(std::ostream& out);
 

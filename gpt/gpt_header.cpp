@@ -53,8 +53,10 @@ double RevisionNumber(FixedBytes<4> revision) {
   return revision[0] * 1000.0 + revision[1] * 100.0 + revision[2] * 10.0 + revision[3] / 10.0;
 }
 
-// An array that ends inside a sector is taken to end with the sector before; the sum may wrap.
+// An array that ends inside a sector is taken to end with the sector before; the sum may wrap. A device that
+// says that its sectors have no bytes has no array.
 u64 LastEntrySector(SectorView header) {
+  if (disk.bytesPerSector == 0) return 0;
   const u64 bytes = u64{Le32<kEntryCount>(header)} * Le32<kEntrySize>(header);
   return bytes / disk.bytesPerSector + Le64<kEntriesLba>(header) - 1;
 }

@@ -98,7 +98,8 @@ constexpr Variant kFat32Variants[] = {
 };
 
 constexpr std::size_t kFileNameSize = 11;
-constexpr std::size_t kFurtherFiles[] = {0x1E3, 0x1F1};  // the second and third of three names
+constexpr std::size_t kSecondFile = 0x1E3;  // where there are three names
+constexpr std::size_t kThirdFile = 0x1F1;
 
 const Variant* IdentifyCode(std::span<const Variant> variants, SectorView boot) {
   const auto found = std::find_if(variants.begin(), variants.end(),
@@ -112,13 +113,14 @@ void PrintSystemFile(Bytes name) {
   std::cout << " ]" << LineEnd << LineEnd;
 }
 
-// Name and extension as they lie on disk, without blanks. The dot stands before the eighth byte, so that a
+// Name and extension as they stand on the disk, without blanks. The dot stands before the eighth byte, so that a
 // name of eight letters shows its last one behind the dot.
 void PrintNumberedSystemFile(int number, Bytes name) {
   std::cout << "System File #" << number << "                : [ ";
   for (std::size_t i = 0; i < name.size(); ++i) {
     if (i == 7) std::cout << ".";
-    if (name[i] != ' ') std::cout.put(static_cast<char>(name[i]));
+    const char character = static_cast<char>(name[i]);
+    if (character != ' ') PrintAsStored({&character, 1});
   }
   std::cout << " ]" << LineEnd;
 }
@@ -163,14 +165,12 @@ void PrintWindows8Messages(const Variant& variant, SectorView boot) {
 void PrintFilesAndMessages(const Variant& variant, SectorView boot) {
   const Bytes systemFile = SliceAt(boot, variant.systemFile, kFileNameSize);
   switch (variant.plan) {
-    case Plan::kThreeFiles: {
-      int number = 1;
-      PrintNumberedSystemFile(number, systemFile);
-      for (const std::size_t offset : kFurtherFiles)
-        PrintNumberedSystemFile(++number, SliceAt(boot, offset, kFileNameSize));
+    case Plan::kThreeFiles:
+      PrintNumberedSystemFile(1, systemFile);
+      PrintNumberedSystemFile(2, Part<kSecondFile, kFileNameSize>(boot));
+      PrintNumberedSystemFile(3, Part<kThirdFile, kFileNameSize>(boot));
       PrintSequentialMessages(variant, boot);
       break;
-    }
     case Plan::kOffsetTable:
       PrintSystemFile(systemFile);
       PrintMessagesByTable(variant, boot);

@@ -72,7 +72,8 @@ void PrintNames(const std::vector<std::wstring>& names) {
   std::cout << "Boot File" << (names.size() > 1 ? "s" : "") << " : ";
   std::string_view separator;
   for (const std::wstring& name : names) {
-    std::cout << separator << ToNarrow(name);
+    std::cout << separator;
+    PrintAsStored(ToNarrow(name));
     separator = ", ";
   }
   std::cout << LineEnd << LineEnd;

@@ -1,0 +1,79 @@
+#include "tests/fuzz/seeds.h"
+
+#include <cerrno>
+
+namespace trovisk::test {
+namespace {
+
+const Seed& Named(const std::vector<Seed>& seeds, const std::string& name) {
+  for (const Seed& seed : seeds) {
+    if (seed.name == name) return seed;
+  }
+  std::abort();
+}
+
+// The same disks in the other run modes.
+void AddModes(std::vector<Seed>& seeds) {
+  for (const char* name : {"gpt-all", "mbr-extended", "ldm-mbr", "ntfs-neither", "fat16-win41"}) {
+    const Input whole = Named(seeds, name).input;
+    const std::string stem = std::string(name) + "-mode";
+    for (const Mode mode : {Mode::kSingleSector, Mode::kRange, Mode::kSingleWithNegativeLast}) {
+      Input input = whole;
+      input.mode = mode;
+      input.first = mode == Mode::kSingleSector ? 1 : 0;
+      input.last = 80;
+      seeds.push_back({stem + std::to_string(static_cast<int>(mode)), input});
+    }
+    Input terminal = whole;
+    terminal.memory.terminal = true;
+    seeds.push_back({stem + "-terminal", terminal});
+  }
+  Input beyond = Named(seeds, "gpt-all").input;
+  beyond.mode = Mode::kSingleSector;
+  beyond.first = beyond.memory.disk.Sectors();
+  seeds.push_back({"gpt-all-beyond", beyond});
+}
+
+// Every kind of fault, at every early call.
+void AddFaults(std::vector<Seed>& seeds) {
+  constexpr u64 kCalls = 48;
+  for (const char* name : {"gpt-all", "mbr-extended", "ldm-mbr", "spaces"}) {
+    const Input whole = Named(seeds, name).input;
+    const auto add = [&](const std::string& kind, Fault fault) {
+      Input input = whole;
+      input.memory.faults = {fault};
+      seeds.push_back({std::string(name) + "-" + kind + std::to_string(fault.nth), input});
+    };
+    for (u64 nth = 1; nth <= kCalls; ++nth) {
+      add("read", {.call = Call::kRead, .nth = nth, .error = EIO});
+      add("short", {.call = Call::kRead, .nth = nth, .calls = 3, .amount = 100});
+      add("seek", {.call = Call::kSeek, .nth = nth, .error = EINVAL});
+    }
+    add("astray", {.call = Call::kSeek, .nth = 9, .amount = 512});
+    add("length", {.call = Call::kLength, .error = EIO});
+    add("open", {.call = Call::kOpen, .error = ENOENT});
+    add("geometry", {.call = Call::kSectorSize, .error = ENOTTY});
+  }
+}
+
+}  // namespace
+
+void AddSeed(std::vector<Seed>& seeds, const std::string& name, Disk disk) {
+  seeds.push_back({name, {.memory = {std::move(disk)}}});
+}
+
+std::vector<Seed> Seeds() {
+  std::vector<Seed> seeds;
+  AddMbrSeeds(seeds);
+  AddFatSeeds(seeds);
+  AddVolumeSeeds(seeds);
+  AddReFsSeeds(seeds);
+  AddGptSeeds(seeds);
+  AddLdmSeeds(seeds);
+  AddSpacesSeeds(seeds);
+  AddModes(seeds);
+  AddFaults(seeds);
+  return seeds;
+}
+
+}  // namespace trovisk::test
