@@ -34,17 +34,21 @@ void AddModes(std::vector<Seed>& seeds) {
   seeds.push_back({"gpt-all-beyond", beyond});
 }
 
-// Every kind of fault, at every early call.
+// Every kind of fault, at every early call. On the Storage Spaces disk the last structure is the 40th.
 void AddFaults(std::vector<Seed>& seeds) {
-  constexpr u64 kCalls = 48;
-  for (const char* name : {"gpt-all", "mbr-extended", "ldm-mbr", "spaces"}) {
+  struct Early {
+    const char* name;
+    u64 calls;
+  };
+  for (const auto& [name, calls] :
+       {Early{"gpt-all", 12}, Early{"mbr-extended", 24}, Early{"ldm-mbr", 24}, Early{"spaces", 44}}) {
     const Input whole = Named(seeds, name).input;
     const auto add = [&](const std::string& kind, Fault fault) {
       Input input = whole;
       input.memory.faults = {fault};
       seeds.push_back({std::string(name) + "-" + kind + std::to_string(fault.nth), input});
     };
-    for (u64 nth = 1; nth <= kCalls; ++nth) {
+    for (u64 nth = 1; nth <= calls; ++nth) {
       add("read", {.call = Call::kRead, .nth = nth, .error = EIO});
       add("short", {.call = Call::kRead, .nth = nth, .calls = 3, .amount = 100});
       add("seek", {.call = Call::kSeek, .nth = nth, .error = EINVAL});
