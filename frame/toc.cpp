@@ -1,5 +1,6 @@
 #include "frame/toc.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "frame/global.h"
@@ -7,11 +8,70 @@
 namespace trovisk {
 namespace {
 
-// Runs per chunk: small enough that an insertion in the middle is cheap, large enough that a million runs
-// cost little more than their own 24 bytes each.
-constexpr std::size_t kChunkRuns = 512;
+// Runs per chunk: few enough that one is read to its end in no time, enough that what the chunk itself costs
+// hardly counts.
+constexpr std::size_t kChunkRuns = 32;
+
+// Numbers as seven bits a byte, least significant first; the top bit says that more follow.
+void PutNumber(std::vector<u8>& bytes, u64 value) {
+  for (; value >= 0x80; value >>= 7)
+    bytes.push_back(static_cast<u8>(value | 0x80));
+  bytes.push_back(static_cast<u8>(value));
+}
 
 }  // namespace
+
+// Reads a chunk's runs one after the other. A run is stored as the distance of its first sector from the last
+// one of the run before (from the chunk's key for the first run), its length less 1, and its kind.
+class SectorToc::Reader {
+ public:
+  explicit Reader(const Chunks::value_type& chunk) : bytes_(chunk.second), last_(chunk.first) {}
+
+  bool Next(Run& run) {
+    if (position_ == bytes_.size()) return false;
+    run.first = last_ + Number();
+    run.last = last_ = run.first + Number();
+    run.kind = static_cast<std::size_t>(Number());
+    return true;
+  }
+
+ private:
+  u64 Number() {
+    u64 value = 0;
+    for (unsigned shift = 0;; shift += 7) {
+      const u8 byte = bytes_[position_++];
+      value |= u64{byte & 0x7FU} << shift;
+      if (byte < 0x80) return value;
+    }
+  }
+
+  const Chunk& bytes_;
+  std::size_t position_ = 0;
+  u64 last_;
+};
+
+SectorToc::Chunk SectorToc::Pack(const std::vector<Run>& runs) {
+  Chunk bytes;
+  bytes.reserve(runs.size() * 3);
+  u64 last = runs.front().first;
+  for (const Run& run : runs) {
+    PutNumber(bytes, run.first - last);
+    PutNumber(bytes, run.last - run.first);
+    PutNumber(bytes, run.kind);
+    last = run.last;
+  }
+  bytes.shrink_to_fit();
+  return bytes;
+}
+
+std::vector<SectorToc::Run> SectorToc::Unpack(const Chunks::value_type& chunk) {
+  std::vector<Run> runs;
+  runs.reserve(kChunkRuns + 1);
+  Reader reader(chunk);
+  for (Run run{}; reader.Next(run);)
+    runs.push_back(run);
+  return runs;
+}
 
 std::size_t SectorToc::KindOf(SectorDecoder decoder, WideText description) {
   for (std::size_t i = kinds_.size(); i-- > 0;) {  // the newest kind is the likeliest
@@ -23,19 +83,17 @@ std::size_t SectorToc::KindOf(SectorDecoder decoder, WideText description) {
 
 std::optional<SectorToc::Found> SectorToc::FirstAtOrAfter(u64 sector) const {
   auto chunk = chunks_.upper_bound(sector);
-  const auto found = [this](u64 first, const Run& run) {
-    const Kind& kind = kinds_[run.kind];
-    return Found{first, run.last, {kind.decoder, kind.description}};
-  };
-  if (chunk != chunks_.begin()) {
-    const Chunk& runs = std::prev(chunk)->second;
-    const auto run = std::lower_bound(runs.begin(), runs.end(), sector,
-                                      [](const Run& each, u64 wanted) { return each.last < wanted; });
-    if (run != runs.end()) return found(std::max(run->first, sector), *run);
+  if (chunk != chunks_.begin()) --chunk;
+  // What is not in the chunk whose runs begin at or before the sector is in front of the next one.
+  for (; chunk != chunks_.end(); ++chunk) {
+    Reader reader(*chunk);
+    for (Run run{}; reader.Next(run);) {
+      if (run.last < sector) continue;
+      const Kind& kind = kinds_[run.kind];
+      return Found{std::max(run.first, sector), run.last, {kind.decoder, kind.description}};
+    }
   }
-  if (chunk == chunks_.end()) return std::nullopt;
-  const Run& run = chunk->second.front();
-  return found(run.first, run);
+  return std::nullopt;
 }
 
 std::optional<TocEntry> SectorToc::At(u64 sector) const {
@@ -58,86 +116,61 @@ void SectorToc::Add(u64 first, u64 last, SectorDecoder decoder, WideText descrip
   }
 }
 
+// Puts runs in the place of a chunk's.
+void SectorToc::Put(Chunks::iterator chunk, const std::vector<Run>& runs) {
+  auto node = chunks_.extract(chunk);
+  if (runs.empty()) return;
+  node.key() = runs.front().first;
+  node.mapped() = Pack(runs);
+  chunks_.insert(std::move(node));
+}
+
 // Adds a run that overlaps no other, joining it with the neighbours that it continues.
 void SectorToc::AddGap(u64 first, u64 last, std::size_t kind) {
-  const auto rekey = [this](std::map<u64, Chunk>::iterator chunk) {
-    auto node = chunks_.extract(chunk);
-    node.key() = node.mapped().front().first;
-    chunks_.insert(std::move(node));
-  };
   const Run added{first, last, kind};
   auto next = chunks_.upper_bound(first);
-  if (next == chunks_.begin()) {  // before every other run
+  if (next == chunks_.begin()) {
     if (next == chunks_.end()) {
-      chunks_[first].push_back(added);
+      chunks_[first] = Pack({added});
       return;
     }
-    Chunk& runs = next->second;
-    Run& after = runs.front();
-    if (after.kind == kind && after.first == last + 1) {
-      after.first = first;
-    } else if (runs.size() < kChunkRuns) {
-      runs.insert(runs.begin(), added);
-    } else {
-      chunks_[first].push_back(added);
-      return;
-    }
-    rekey(next);
-    return;
+    ++next;
   }
-
-  auto here = std::prev(next);
-  Chunk* runs = &here->second;
-  auto place = std::upper_bound(runs->begin(), runs->end(), first,
+  const auto here = std::prev(next);
+  std::vector<Run> runs = Unpack(*here);
+  auto place = std::upper_bound(runs.begin(), runs.end(), first,
                                 [](u64 wanted, const Run& each) { return wanted < each.first; });
-  Run& before = *std::prev(place);
-  const bool atEnd = place == runs->end();
-  const Run* after = nullptr;
-  if (!atEnd) {
-    after = &*place;
-  } else if (next != chunks_.end()) {
-    after = &next->second.front();
-  }
-  const bool joinsBefore = before.kind == kind && before.last + 1 == first;
-  const bool joinsAfter = after != nullptr && after->kind == kind && last + 1 == after->first;
-
-  if (joinsBefore) {
-    before.last = joinsAfter ? after->last : last;
-    if (!joinsAfter) return;
-    if (!atEnd) {
-      runs->erase(place);
-      return;
+  place = runs.insert(place, added);
+  if (place != runs.begin()) {
+    Run& before = *std::prev(place);
+    if (before.kind == kind && before.last + 1 == first) {
+      before.last = last;
+      place = std::prev(runs.erase(place));
     }
-    next->second.erase(next->second.begin());
-    if (next->second.empty()) {
-      chunks_.erase(next);
-    } else {
-      rekey(next);
+  }
+  if (place + 1 != runs.end()) {
+    const Run& after = *(place + 1);
+    if (after.kind == kind && last + 1 == after.first) {
+      place->last = after.last;
+      runs.erase(place + 1);
     }
-    return;
-  }
-  if (joinsAfter) {
-    if (!atEnd) {
-      place->first = first;
-    } else {
-      next->second.front().first = first;
-      rekey(next);
+  } else if (next != chunks_.end() && last + 1 == next->first) {
+    std::vector<Run> behind = Unpack(*next);
+    if (behind.front().kind == kind) {
+      place->last = behind.front().last;
+      behind.erase(behind.begin());
+      Put(next, behind);
     }
-    return;
   }
-  if (runs->size() < kChunkRuns) {
-    runs->insert(place, added);
-    return;
+  if (runs.size() > kChunkRuns) {
+    // Ascending registrations, the rule, fill every chunk to the brim.
+    const bool atEnd = place + 1 == runs.end();
+    const auto split = atEnd ? place : runs.begin() + static_cast<std::ptrdiff_t>(runs.size() / 2);
+    const std::vector<Run> upper(split, runs.end());
+    runs.erase(split, runs.end());
+    chunks_[upper.front().first] = Pack(upper);
   }
-  if (atEnd) {  // ascending registrations fill every chunk to the brim
-    chunks_[first].push_back(added);
-    return;
-  }
-  const auto middle = runs->begin() + static_cast<std::ptrdiff_t>(kChunkRuns / 2);
-  Chunk upper(middle, runs->end());
-  runs->erase(middle, runs->end());
-  chunks_.emplace(upper.front().first, std::move(upper));
-  AddGap(first, last, kind);
+  Put(here, runs);
 }
 
 void SectorToc::Clear() {

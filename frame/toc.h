@@ -66,17 +66,25 @@ class SectorToc {
     u64 last;
     std::size_t kind;
   };
-  using Chunk = std::vector<Run>;  // sorted, never empty while in the table
+  // A few runs in ascending order, never none while in the table. Packed, for a damaged disk may register as
+  // many single sectors as it has: three bytes a run are the rule.
+  using Chunk = std::vector<u8>;
+  using Chunks = std::map<u64, Chunk>;  // by the first sector of the chunk's first run
+
+  static Chunk Pack(const std::vector<Run>& runs);
+  static std::vector<Run> Unpack(const Chunks::value_type& chunk);
+  class Reader;
 
   std::size_t KindOf(SectorDecoder decoder, WideText description);
   void AddGap(u64 first, u64 last, std::size_t kind);
+  void Put(Chunks::iterator chunk, const std::vector<Run>& runs);
 
   struct Kind {
     SectorDecoder decoder;
     std::wstring description;
   };
-  std::map<u64, Chunk> chunks_;  // by the first sector of the chunk's first run
-  std::deque<Kind> kinds_;       // a deque, so that the views handed out stay valid as it grows
+  Chunks chunks_;
+  std::deque<Kind> kinds_;  // a deque, so that the views handed out stay valid as it grows
 };
 
 class Global;

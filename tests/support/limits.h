@@ -3,6 +3,8 @@
 #ifndef TROVISK_TESTS_SUPPORT_LIMITS_H
 #define TROVISK_TESTS_SUPPORT_LIMITS_H
 
+#include <functional>
+
 #include "tests/support/program.h"
 
 namespace trovisk::test {
@@ -16,10 +18,15 @@ inline constexpr bool kMemoryCounts = !__has_feature(address_sanitizer);
 inline constexpr bool kMemoryCounts = true;
 #endif
 
-// RunOn with a limit of processor time, beyond which the program is killed. Fails the test when that happens,
-// and when the run took so much memory or more.
-Outcome RunOnWithinLimits(const Disk& disk, const std::vector<std::string>& arguments = {},
-                          long memoryKiB = 64L * 1024);
+// The memory that no run takes, whatever is on the disk.
+inline constexpr long kMemoryKiB = 32L * 1024;
+
+// A run in a child process with a limit of processor time, beyond which it is killed. Fails the test when
+// that happens, and when the run took so much memory or more.
+Outcome WithinLimits(const std::function<Outcome()>& run);
+
+// The same for RunOn.
+Outcome RunOnWithinLimits(const Disk& disk, const std::vector<std::string>& arguments = {});
 
 }  // namespace trovisk::test
 

@@ -224,7 +224,7 @@ void ExpectAMillionEntriesToBeSmall(const char* name, const std::vector<u64>& se
   EXPECT_EQ(outcome.status, 0);
   if (test::kMemoryCounts) {
     EXPECT_LT(milliseconds, 10000);
-    EXPECT_LT(bytes, 48) << "24 of them are the run itself";
+    EXPECT_LT(bytes, 10) << "three of them are the run itself";
   }
 }
 
