@@ -113,8 +113,8 @@ void PrintSystemFile(Bytes name) {
   std::cout << " ]" << LineEnd << LineEnd;
 }
 
-// Name and extension as they stand on the disk, without blanks. The dot stands before the eighth byte, so that a
-// name of eight letters shows its last one behind the dot.
+// Name and extension as they stand on the disk, without blanks. The dot stands before the eighth byte, so
+// that a name of eight letters shows its last one behind the dot.
 void PrintNumberedSystemFile(int number, Bytes name) {
   std::cout << "System File #" << number << "                : [ ";
   for (std::size_t i = 0; i < name.size(); ++i) {

@@ -246,8 +246,7 @@ TEST(Vblk, RegionOfAMillionEmptySectors) {
   PutKlog(disk, 105, {});
   PutVmdb(disk, kVmdbSector, {});
   constexpr u64 kLast = kVmdbSector + kSectors - 1;
-  const Outcome outcome =
-      RunOnWithinLimits(disk, {std::to_string(kLast), std::to_string(kLast + 1)}, 32L * 1024);
+  const Outcome outcome = RunOnWithinLimits(disk, {std::to_string(kLast), std::to_string(kLast + 1)});
   EXPECT_TRUE(outcome.out.ends_with("\nReading sector # " + std::to_string(kLast) +
                                     " [VBLK Sector]\n\nReading sector # " + std::to_string(kLast + 1) +
                                     " [Raw Sector]\n... empty ...\n"))

@@ -21,6 +21,7 @@ namespace {
 MemoryDisk inserted;
 bool keepsReport = false;  // in report below; else it goes to standard output
 std::string report;
+std::vector<ReadCall> reads;
 
 // In memory that is shared with child processes, so that the parent sees the calls of a run.
 struct SharedCalls {
@@ -39,14 +40,15 @@ SharedCalls& Calls() {
   return *calls;
 }
 
-// Notes the call, and gives the fault that it meets.
-const Fault* Meet(Call call) {
+// Notes the call, and gives the fault that it meets. sector: where a read begins.
+const Fault* Meet(Call call, u64 sector = kAnySector) {
   SharedCalls& calls = Calls();
   const auto kind = static_cast<std::size_t>(call);
   const u64 number = ++calls.counts[kind];
   if (calls.logged < sizeof calls.order) calls.order[calls.logged++] = "OGLSRCW"[kind];
   for (const Fault& fault : inserted.faults) {
-    if (fault.call == call && number >= fault.nth && number - fault.nth < fault.calls) return &fault;
+    if (fault.call != call || number < fault.nth || number - fault.nth >= fault.calls) continue;
+    if (fault.sector == kAnySector || fault.sector == sector) return &fault;
   }
   return nullptr;
 }
@@ -111,7 +113,7 @@ CallRecord CallsSinceInsertion() {
 MemoryOutcome RunOnMemory(const MemoryDisk& disk, const std::vector<std::string>& arguments) {
   Calls();  // shared from before the child is born
   const Outcome outcome = RunChild([&] { std::exit(RunProgramOn(disk, arguments)); });
-  return {WithoutDate(outcome.out), outcome.err, outcome.status, CallsSinceInsertion()};
+  return {WithoutDate(outcome.out), outcome.err, outcome.status, CallsSinceInsertion(), {}};
 }
 
 MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string>& arguments) {
@@ -124,12 +126,16 @@ MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string
   std::cout.copyfmt(std::ios(nullptr));
   std::cout.clear();
   report.clear();
+  reads.clear();
   keepsReport = true;
   MemoryOutcome outcome;
   outcome.status = RunProgramOn(disk, arguments);
   keepsReport = false;
   std::cout.rdbuf(buffer);
   outcome.out = WithoutDate(report);
+  outcome.reads = reads;
+  for (ReadCall& read : outcome.reads)  // the date stands in front of all of them
+    read.reported -= report.size() - outcome.out.size();
   outcome.calls = CallsSinceInsertion();
   return outcome;
 }
@@ -176,7 +182,9 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
 }
 
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
-  const Fault* const fault = Meet(Call::kRead);
+  const u32 size = test::inserted.disk.SectorSize();
+  const Fault* const fault = Meet(Call::kRead, size == 0 ? 0 : device.position / size);
+  if (test::keepsReport) test::reads.push_back({device.position, test::report.size()});
   if (fault != nullptr && fault->error != 0) return fault->error;
   const u64 wanted = fault != nullptr ? std::min<u64>(count, fault->amount) : count;
   got = test::Fill(buffer, device.position, wanted);

@@ -17,6 +17,9 @@ namespace trovisk::test {
 enum class Call { kOpen, kSectorSize, kLength, kSeek, kRead, kClose, kWriteReport };
 inline constexpr std::size_t kCallKinds = 7;
 
+// Stands for every sector in a fault.
+inline constexpr u64 kAnySector = ~u64{0};
+
 // What happens instead at some of the calls of one kind.
 struct Fault {
   Call call = Call::kRead;
@@ -24,6 +27,7 @@ struct Fault {
   u64 calls = 1;        // how many from there on
   ErrorCode error = 0;  // the call fails with this; where it is 0, it succeeds and says:
   u64 amount = 0;  // kSeek: where it landed; kRead: at most so many bytes; kSectorSize, kLength: the value
+  u64 sector = kAnySector;  // kRead: reads that begin in this sector alone
 };
 
 // A sector that is registered before the run begins.
@@ -49,11 +53,18 @@ struct CallRecord {
   u64 Of(Call call) const { return counts[static_cast<std::size_t>(call)]; }
 };
 
+// A read of a run in this process: where it begins, in bytes, and how long the report was by then.
+struct ReadCall {
+  u64 offset = 0;
+  u64 reported = 0;
+};
+
 struct MemoryOutcome {
   std::string out;  // the build date reads "<date>"
   std::string err;
   int status = -1;  // as in support/program.h
   CallRecord calls;
+  std::vector<ReadCall> reads;  // of RunInProcess alone
 };
 
 // The disk that the device functions work on, and the calls made since. For tests that call Global directly.
