@@ -165,7 +165,7 @@ class ReadFaults : public ::testing::TestWithParam<std::size_t> {
 
   u64 SectorOfRead(std::size_t read) const { return whole_.outcome.reads[read].offset / kSectorSize; }
 
-  std::string UpTo(std::size_t read) const {
+  std::string ReportBefore(std::size_t read) const {
     return whole_.outcome.out.substr(0, static_cast<std::size_t>(whole_.outcome.reads[read].reported));
   }
 
@@ -189,8 +189,8 @@ class ReadFaults : public ::testing::TestWithParam<std::size_t> {
   }
 
   // The printing pass's text where it ends, or loses a dump, at that read.
-  std::string PrintedUpTo(std::size_t read, bool dumpAlone) const {
-    const std::string printed = UpTo(read).substr(parts_.loading.size());
+  std::string PrintedBefore(std::size_t read, bool dumpAlone) const {
+    const std::string printed = ReportBefore(read).substr(parts_.loading.size());
     if (!dumpAlone || !printed.ends_with("[as a raw sector]\n") || !GoesOnWithoutItsDump(printed))
       return printed;
     return printed + WithoutListing(parts_.printed.substr(printed.size()));
@@ -268,12 +268,12 @@ TEST_P(ReadFaults, TheNthReadFailsForEveryN) {
       const Parts parts = PartsOf(run.outcome.out);
       if (n < loads_) {
         const std::vector<Sectors> notPrinted = NotPrinted(n);
-        EXPECT_TRUE(SameText(parts.loading, UpTo(n)));
+        EXPECT_TRUE(SameText(parts.loading, ReportBefore(n)));
         EXPECT_TRUE(SameText(parts.printed, WithoutSectors(parts_.printed, notPrinted)));
         ExpectTable(parts, notPrinted);
       } else {
         EXPECT_EQ(parts.loading, parts_.loading);
-        EXPECT_TRUE(SameText(parts.printed, PrintedUpTo(n, true)));
+        EXPECT_TRUE(SameText(parts.printed, PrintedBefore(n, true)));
         ExpectTable(parts, RegisteredByPrinting(SectorOfRead(n)));
       }
       if (HasFailure()) return;  // one of them says enough
@@ -305,8 +305,8 @@ TEST_P(ReadFaults, EveryReadOfARegisteredSectorFails) {
       ExpectMessages(run.err, kind.layer, sector, 2);
       const Parts parts = PartsOf(run.outcome.out);
       const std::vector<Sectors> notPrinted = load < loads_ ? NotPrinted(load) : std::vector<Sectors>{};
-      EXPECT_TRUE(SameText(parts.loading, load < loads_ ? UpTo(load) : parts_.loading));
-      EXPECT_TRUE(SameText(parts.printed, WithoutSectors(PrintedUpTo(print, false), notPrinted)));
+      EXPECT_TRUE(SameText(parts.loading, load < loads_ ? ReportBefore(load) : parts_.loading));
+      EXPECT_TRUE(SameText(parts.printed, WithoutSectors(PrintedBefore(print, false), notPrinted)));
       std::vector<Sectors> notListed = RegisteredByPrinting(sector);
       notListed.insert(notListed.end(), notPrinted.begin(), notPrinted.end());
       // What only this sector, or one behind it, would have registered.

@@ -38,7 +38,7 @@ Disk DiskOf(const Fat32BootSector& boot, const FsInfo& fsInfo = {}) {
 
 // The system files and messages of code that keeps them so.
 void PutFilesAndMessages(Sector& sector) {
-  sector.Text(0x1D8, "IO      SYS").Text(0x1E3, "MSDOS   SYS").Text(0x1F1, "\x1b[2J\x9b  SYS");
+  sector.Text(0x1D8, "IO      SYS").Text(0x1E3, "DOS     SYS").Text(0x1F1, "\x1b[2J\x9b  SYS");
   sector.Text(0x184, "Invalid system disk");
 }
 

@@ -2,6 +2,7 @@
 // do is skipped with the reason, and shows in the list of skipped tests.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -117,6 +118,33 @@ TEST_P(LoopDeviceTest, EndsWhereItsImageEnds) {
 }
 
 INSTANTIATE_TEST_SUITE_P(SectorSizes, LoopDeviceTest, ::testing::Values(512u, 4096u));
+
+// Sectors that the block layer itself refuses to read: those beside them, in the same page, are shown.
+TEST(MappedDevice, UnreadableSectorIsTheOnlyOneThatIsNotShown) {
+  RequireLosetup();
+  Disk disk(64);
+  PutBootRecord(disk, 0, {});
+  for (u64 sector = 8; sector < 16; ++sector)
+    disk.At(sector).Le64(0, sector);
+  const std::string image = ScratchPath("mapped.img");
+  disk.Write(image);
+  const LoopDevice device(image, 512);
+  SKIP_WITHOUT(device);
+  const std::string name = "trovisk-test-" + std::to_string(getpid());
+  const auto [problem, made] = Shell("PATH=$PATH:/sbin:/usr/sbin; printf '0 10 linear " + device.Path() +
+                                     " 0\\n10 1 error\\n11 53 linear " + device.Path() +
+                                     " 11\\n' | dmsetup create --readonly " + name);
+  if (!made) GTEST_SKIP() << "no device-mapper on this machine: " << problem;
+  const Outcome outcome = RunProgram(Build::kInventedCode, {"/dev/mapper/" + name, "9", "11"});
+  Shell("PATH=$PATH:/sbin:/usr/sbin dmsetup remove " + name);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "Global::Read failed, error 5\nError reading sector\n");
+  EXPECT_TRUE(outcome.out.ends_with(
+      ExpandExpected("\nReading sector # 9 [Raw Sector]\n{{dump 9}}\n"
+                     "Reading sector # 10 [Raw Sector]\nReading sector # 11 [Raw Sector]\n{{dump 11}}\n",
+                     disk)))
+      << outcome.out;
+}
 
 // A size of one's choice is for images alone.
 TEST(LoopDevice, TakesNoSectorSizeFromItsArgument) {
