@@ -40,15 +40,15 @@ void AddFaults(std::vector<Seed>& seeds) {
     const char* name;
     u64 calls;
   };
-  for (const auto& [name, calls] :
+  for (const Early& early :
        {Early{"gpt-all", 12}, Early{"mbr-extended", 24}, Early{"ldm-mbr", 24}, Early{"spaces", 44}}) {
-    const Input whole = Named(seeds, name).input;
+    const Input whole = Named(seeds, early.name).input;
     const auto add = [&](const std::string& kind, Fault fault) {
       Input input = whole;
       input.memory.faults = {fault};
-      seeds.push_back({std::string(name) + "-" + kind + std::to_string(fault.nth), input});
+      seeds.push_back({std::string(early.name) + "-" + kind + std::to_string(fault.nth), input});
     };
-    for (u64 nth = 1; nth <= calls; ++nth) {
+    for (u64 nth = 1; nth <= early.calls; ++nth) {
       add("read", {.call = Call::kRead, .nth = nth, .error = EIO});
       add("short", {.call = Call::kRead, .nth = nth, .calls = 3, .amount = 100});
       add("seek", {.call = Call::kSeek, .nth = nth, .error = EINVAL});
