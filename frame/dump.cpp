@@ -23,12 +23,13 @@ constexpr std::size_t kBlockBytes = 512;  // formatted and handed over at once
 constexpr char kDigits[] = "0123456789ABCDEF";
 
 // A byte's cell with a blank to spare, so that it is stored as one word: a range dump is bound by this.
-constexpr auto kCells = [] {
+constexpr std::array<std::array<char, 4>, 256> MakeCells() {
   std::array<std::array<char, 4>, 256> cells{};
   for (std::size_t i = 0; i < cells.size(); ++i)
     cells[i] = {kDigits[i >> 4], kDigits[i & 15], ' ', ' '};
   return cells;
-}();
+}
+constexpr auto kCells = MakeCells();
 
 constexpr char CharacterOf(u8 byte) {
   return byte >= 0x20 && byte <= 0x7E ? static_cast<char>(byte) : '.';

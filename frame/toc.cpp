@@ -152,7 +152,7 @@ void SectorToc::AddGap(u64 first, u64 last, std::size_t kind) {
     const Run& after = *(place + 1);
     if (after.kind == kind && last + 1 == after.first) {
       place->last = after.last;
-      runs.erase(place + 1);
+      place = std::prev(runs.erase(place + 1));
     }
   } else if (next != chunks_.end() && last + 1 == next->first) {
     std::vector<Run> behind = Unpack(*next);
@@ -166,9 +166,8 @@ void SectorToc::AddGap(u64 first, u64 last, std::size_t kind) {
     // Ascending registrations, the rule, fill every chunk to the brim.
     const bool atEnd = place + 1 == runs.end();
     const auto split = atEnd ? place : runs.begin() + static_cast<std::ptrdiff_t>(runs.size() / 2);
-    const std::vector<Run> upper(split, runs.end());
+    chunks_[split->first] = Pack(std::vector<Run>(split, runs.end()));
     runs.erase(split, runs.end());
-    chunks_[upper.front().first] = Pack(upper);
   }
   Put(here, runs);
 }
