@@ -159,8 +159,8 @@ constexpr u64 kRowsBeyondDisk = u64{1} << 24;
 void PrintToc(u64 lastOnDisk) {
   std::cout << LineEnd << "\tTable Of Contents" << LineEnd << "\t=================" << LineEnd << LineEnd
             << "   Sector#\tContents" << LineEnd << "   -------\t--------" << LineEnd;
-  // A damaged entry may register more sectors than the disk has. Those beyond its end are listed as well,
-  // but not without limit; all of them count as such when the disk's length is unknown.
+  // A damaged entry may register more sectors than the disk has. Those beyond its end (all of them, when its
+  // length is unknown) are listed as well, but not without limit: from then on a run shows its ends alone.
   const u64 sectorsOnDisk = lastOnDisk + 1;
   u64 rowsBeyondDisk = 0;
   u64 position = 0;
@@ -170,7 +170,8 @@ void PrintToc(u64 lastOnDisk) {
     AppendNarrow(rest, run->entry.description);
     rest += '\n';
     for (position = run->first;; ++position) {
-      if (position >= sectorsOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->last) {
+      if (position >= sectorsOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->first &&
+          position != run->last) {
         std::cout << "       ..." << LineEnd;
         position = run->last;
       }

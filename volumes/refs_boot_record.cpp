@@ -105,8 +105,9 @@ u64 DecodeReFsBootRecord(WideText description, u64 sector, bool print) {
   const SectorView boot(record);
   if (print) PrintReport(boot, Copy::kPrimary);
   disk.refsVolume = {.volumeSector = sector, .sectorsPerCluster = Le32<kSectorsPerCluster>(boot)};
+  if (!SeekToSector(sector)) return kEndPass;
   Register(boot, description, sector);
-  return DumpAsRawSector(sector, print);
+  return DumpRawSector(L"as a raw sector", sector, print);
 }
 
 u64 DecodeReFsBackupBootRecord(WideText description, u64 sector, bool print) {
