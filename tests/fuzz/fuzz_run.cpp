@@ -27,9 +27,9 @@ void Require(bool condition, const char* promise) {
 // A generous bound that no report can pass unless something is counted by a number on the disk: a listing of
 // every sector and its report, twice, a row of the table of contents for each, and what lies beyond the disk.
 std::size_t LongestReport(const Disk& disk) {
-  constexpr std::size_t kPerSector = 16 * 1024;
-  constexpr std::size_t kBeyondTheDisk = 1024 * 1024;
-  return (disk.Sectors() + 16) * (kPerSector + 10 * disk.SectorSize()) + kBeyondTheDisk;
+  constexpr std::size_t kPerSector = std::size_t{16} * 1024;
+  constexpr std::size_t kBeyondTheDisk = std::size_t{1024} * 1024;
+  return (disk.Sectors() + 16) * (kPerSector + u64{10} * disk.SectorSize()) + kBeyondTheDisk;
 }
 
 }  // namespace

@@ -14,7 +14,7 @@
 
 namespace trovisk::test {
 
-enum class Call { kOpen, kSectorSize, kLength, kSeek, kRead, kClose, kWriteReport };
+enum class Call : u64 { kOpen, kSectorSize, kLength, kSeek, kRead, kClose, kWriteReport };
 inline constexpr std::size_t kCallKinds = 7;
 
 // Stands for every sector in a fault.
