@@ -76,7 +76,7 @@ std::ostream& LineEnd(std::ostream& out) {
 }
 
 void PrintLines(std::string_view lines) {
-  std::cout.write(lines.data(), static_cast<std::streamsize>(lines.size()));
+  std::cout.rdbuf()->sputn(lines.data(), static_cast<std::streamsize>(lines.size()));
   if (onTerminal) std::cout.flush();
 }
 
