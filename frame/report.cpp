@@ -11,7 +11,7 @@ namespace trovisk {
 namespace {
 
 // More than the listing of a 4096-byte sector, which so leaves in one write.
-constexpr std::size_t kReportBytes = 64 * 1024;
+constexpr std::size_t kReportBytes = std::size_t{64} * 1024;
 
 class ReportBuffer : public std::streambuf {
  public:

@@ -1,0 +1,53 @@
+// The bounds for reading and printing: the same reads and writes as a run of the program and no work between.
+//
+//   bare_loop dump DISK TEXT           for every sector one read, and one write of TEXT bytes
+//   bare_loop twice DISK FIRST COUNT   reads COUNT sectors from FIRST on, twice, and prints nothing
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr off_t kSectorSize = 512;
+
+bool ReadSector(int disk, off_t sector) {
+  std::array<char, kSectorSize> bytes;
+  return pread(disk, bytes.data(), bytes.size(), sector * kSectorSize) == kSectorSize;
+}
+
+int Dump(int disk, std::size_t textSize) {
+  const std::vector<char> text(textSize, '.');
+  for (off_t sector = 0; ReadSector(disk, sector); ++sector) {
+    if (write(STDOUT_FILENO, text.data(), text.size()) != static_cast<ssize_t>(text.size())) return 1;
+  }
+  return 0;
+}
+
+int ReadTwice(int disk, off_t first, off_t count) {
+  for (int pass = 0; pass < 2; ++pass) {
+    for (off_t sector = first; sector < first + count; ++sector) {
+      if (!ReadSector(disk, sector)) return 1;
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int disk = argc > 2 ? open(argv[2], O_RDONLY | O_CLOEXEC) : -1;
+  if (disk >= 0 && argc == 4 && std::strcmp(argv[1], "dump") == 0) {
+    return Dump(disk, std::strtoull(argv[3], nullptr, 10));
+  }
+  if (disk >= 0 && argc == 5 && std::strcmp(argv[1], "twice") == 0) {
+    return ReadTwice(disk, std::atoll(argv[3]), std::atoll(argv[4]));
+  }
+  std::fputs("usage: bare_loop dump DISK TEXT | twice DISK FIRST COUNT\n", stderr);
+  return 2;
+}
