@@ -13,7 +13,10 @@
 
 namespace trovisk {
 
-using ErrorCode = u32;
+using ErrorCode = u64;
+
+// What a call gives that fails although the system names no error: as a number of 32 bits, 0.
+constexpr ErrorCode kErrorWithoutCode = ErrorCode{1} << 32;
 
 // One open disk. The members belong to the system's file.
 struct Device {

@@ -4,6 +4,7 @@
 #include <windows.h>
 #include <winioctl.h>
 
+#include <fcntl.h>
 #include <io.h>
 
 #include <climits>
@@ -19,6 +20,12 @@ HANDLE Handle(const Device& device) {
   return reinterpret_cast<HANDLE>(device.handle);
 }
 
+// The error of a call that has failed.
+ErrorCode Failure() {
+  const DWORD error = GetLastError();
+  return error == 0 ? kErrorWithoutCode : error;
+}
+
 constexpr int kStandardOutput = 1;
 
 UINT consoleCodePage = 0;
@@ -29,7 +36,7 @@ ErrorCode OpenDevice(Device& device, WideText path, const char* /*argument*/) {
   const HANDLE handle = CreateFileW(std::wstring(path).c_str(), GENERIC_READ,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
   device.handle = reinterpret_cast<std::intptr_t>(handle);
-  return handle == INVALID_HANDLE_VALUE ? GetLastError() : 0;
+  return handle == INVALID_HANDLE_VALUE ? Failure() : 0;
 }
 
 bool IsOpen(const Device& device) {
@@ -41,7 +48,7 @@ ErrorCode QuerySectorSize(Device& device, u32& bytesPerSector) {
   DWORD returned = 0;
   if (!DeviceIoControl(Handle(device), IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, nullptr, 0, &geometry,
                        sizeof geometry, &returned, nullptr)) {
-    return GetLastError();
+    return Failure();
   }
   bytesPerSector = geometry.Geometry.BytesPerSector;
   return 0;
@@ -52,7 +59,7 @@ ErrorCode QueryLength(const Device& device, u64& bytes) {
   DWORD returned = 0;
   if (!DeviceIoControl(Handle(device), IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &length, sizeof length,
                        &returned, nullptr)) {
-    return GetLastError();
+    return Failure();
   }
   bytes = static_cast<u64>(length.Length.QuadPart);
   return 0;
@@ -71,15 +78,15 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
 
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
   DWORD bytes = 0;
-  if (!ReadFile(Handle(device), buffer, count, &bytes, nullptr)) return GetLastError();
+  if (!ReadFile(Handle(device), buffer, count, &bytes, nullptr)) return Failure();
   got = bytes;
   return 0;
 }
 
 ErrorCode CloseDevice(Device& device) {
-  const BOOL closed = CloseHandle(Handle(device));
+  const ErrorCode error = CloseHandle(Handle(device)) ? 0 : Failure();
   device = Device{};
-  return closed ? 0 : GetLastError();
+  return error;
 }
 
 ErrorCode WriteReport(const char* text, std::size_t count) {
@@ -95,7 +102,7 @@ ErrorCode WriteReport(const char* text, std::size_t count) {
 }
 
 bool IsClosedPipe(ErrorCode error) {
-  return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA;
+  return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
 }
 
 bool ReportIsTerminal() {
@@ -103,9 +110,11 @@ bool ReportIsTerminal() {
   return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
 }
 
-// Names from the disk are written as UTF-8; the console is told so for the length of the run.
+// Names from the disk are written as UTF-8; the console is told so for the length of the run. It starts a new
+// line at LF by itself, and the C runtime's text mode could take the bytes of a character for characters.
 void PrepareReport() {
   if (!ReportIsTerminal()) return;
+  _setmode(kStandardOutput, _O_BINARY);
   consoleCodePage = GetConsoleOutputCP();
   if (SetConsoleOutputCP(CP_UTF8)) std::atexit([] { SetConsoleOutputCP(consoleCodePage); });
 }

@@ -10,17 +10,26 @@ namespace trovisk {
 
 Global disk;
 
+namespace {
+
+// The system's number of an error, as the messages show it.
+u32 NumberOf(ErrorCode error) {
+  return static_cast<u32>(error);
+}
+
+}  // namespace
+
 // Before the disk is touched the report is handed over: nothing that was printed waits for a disk that hangs.
 bool Global::Open(WideText path, const char* argument) {
   FlushReport();
   if (const ErrorCode error = OpenDevice(device_, path, argument); error != 0) {
-    ErrorLine() << "Global::Open: couldn't open " << ToNarrow(path) << " for reading, error " << error
-                << '\n';
+    ErrorLine() << "Global::Open: couldn't open " << ToNarrow(path) << " for reading, error "
+                << NumberOf(error) << '\n';
     return false;
   }
   if (const ErrorCode error = QuerySectorSize(device_, bytesPerSector); error != 0) {
     ErrorLine() << "Global::Open: couldn't get disk geometry " << ToNarrow(path)
-                << " IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error " << error << '\n';
+                << " IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error " << NumberOf(error) << '\n';
     return false;
   }
   return true;
@@ -29,7 +38,7 @@ bool Global::Open(WideText path, const char* argument) {
 u64 Global::GetLastSector() {
   u64 bytes = 0;
   if (const ErrorCode error = QueryLength(device_, bytes); error != 0) {
-    ErrorLine() << "DeviceIoControl(IOCTL_DISK_GET_LENGTH_INFO failed, error )" << error << '\n';
+    ErrorLine() << "DeviceIoControl(IOCTL_DISK_GET_LENGTH_INFO failed, error )" << NumberOf(error) << '\n';
     return ~u64{0};
   }
   if (bytesPerSector == 0) return ~u64{0};
@@ -40,7 +49,8 @@ bool Global::Seek(u64 offset) {
   const u64 sector = bytesPerSector == 0 ? 0 : offset / bytesPerSector;
   u64 landed = 0;
   if (const ErrorCode error = SeekDevice(device_, offset, landed); error != 0) {
-    ErrorLine() << "Global::Seek failed to seek to sector " << sector << ", error " << error << '\n';
+    ErrorLine() << "Global::Seek failed to seek to sector " << sector << ", error " << NumberOf(error)
+                << '\n';
     return false;
   }
   if (landed != offset) {
@@ -55,7 +65,7 @@ bool Global::ReadExactly(u8* buffer, u64 count) {
   u32 got = 0;
   const u32 wanted = static_cast<u32>(count);
   if (const ErrorCode error = ReadDevice(device_, buffer, wanted, got); error != 0) {
-    ErrorLine() << "Global::Read failed, error " << error << '\n';
+    ErrorLine() << "Global::Read failed, error " << NumberOf(error) << '\n';
     return false;
   }
   if (got != wanted) {
