@@ -5,6 +5,9 @@ add_library(trovisk_options INTERFACE)
 if(MSVC)
   target_compile_options(trovisk_options INTERFACE /W4 /utf-8 /permissive-)
   target_compile_definitions(trovisk_options INTERFACE _CRT_SECURE_NO_WARNINGS NOMINMAX)
+  # One file that needs no DLL but the system's, with the manifest that its resources bring.
+  set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+  target_link_options(trovisk_options INTERFACE /MANIFEST:NO)
   return()
 endif()
 
