@@ -108,8 +108,8 @@ void PutStorageReplica(Disk& disk, u64 first, u64 last) {
 
 }  // namespace
 
-Disk GptSample() {
-  Disk disk(196608);
+Disk GptSample(u32 sectorSize) {
+  Disk disk(196608, sectorSize);
   constexpr u64 kMiB = 2048;  // sectors
   const Guid unique("A0B1C2D3-E4F5-4607-8819-2A3B4C5D6E7F");
   PutFat32Volume(disk, 1 * kMiB, 1 * kMiB);
@@ -183,8 +183,8 @@ Disk GptSample() {
   return disk;
 }
 
-Disk MbrSample() {
-  Disk disk(262144);
+Disk MbrSample(u32 sectorSize) {
+  Disk disk(262144, sectorSize);
   constexpr u32 kMiB = 2048;  // sectors
   PutInventedCode(disk.At(0), BootCode::kMbrWindows2008R2);
   PutBootRecord(disk, 0,
@@ -221,8 +221,8 @@ Disk MbrSample() {
   return disk;
 }
 
-Disk DynamicSample() {
-  Disk disk(65536);
+Disk DynamicSample(u32 sectorSize) {
+  Disk disk(65536, sectorSize);
   PutInventedCode(disk.At(0), BootCode::kMbrWindowsVista);
   PutBootRecord(disk, 0,
                 {.diskSignature = 0x5EED0042, .entries = {{.type = 0x42, .first = 63, .count = 61377}}});

@@ -6,8 +6,9 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "tests/support/wine.h"
+
 namespace trovisk::test {
-namespace {
 
 void ReplaceAll(std::string& text, const std::string& what, const std::string& with) {
   for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
@@ -15,15 +16,24 @@ void ReplaceAll(std::string& text, const std::string& what, const std::string& w
   }
 }
 
-}  // namespace
+std::string NativeProgramPath(Build build) {
+  return build == Build::kShipped ? TROVISK_SHIPPED_PROGRAM : TROVISK_INVENTED_CODE_PROGRAM;
+}
 
 std::string ProgramPath(Build build) {
-  return build == Build::kShipped ? TROVISK_SHIPPED_PROGRAM : TROVISK_INVENTED_CODE_PROGRAM;
+  if (!UnderWine()) return NativeProgramPath(build);
+  return WindowsProgram(build == Build::kShipped ? "trovisk_wine.exe" : "trovisk_wine_invented_code.exe");
 }
 
 Outcome RunProgram(Build build, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment) {
   const std::string program = ProgramPath(build);
+  return UnderWine() ? RunOnWineDrive(program, arguments, environment)
+                     : RunCommand(program, arguments, environment);
+}
+
+Outcome RunCommand(const std::string& program, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment) {
   std::vector<char*> argv;
   argv.push_back(const_cast<char*>(program.c_str()));
   for (const std::string& argument : arguments)

@@ -17,18 +17,26 @@ namespace trovisk::test {
 // the tests' own invented boot code.
 enum class Build { kShipped, kInventedCode };
 
-// The executable of that build.
+// The executable of that build: the one for Windows where the tests run under Wine (tests/support/wine.h).
 std::string ProgramPath(Build build);
+// The one for this system wherever the tests run.
+std::string NativeProgramPath(Build build);
 
 // Runs the program with these arguments. environment: NAME=VALUE pairs added to the environment; TZ is UTC
 // unless they say otherwise.
 Outcome RunProgram(Build build, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment = {});
 
+// Runs any executable in the same way.
+Outcome RunCommand(const std::string& program, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment);
+
 // Writes the disk as an image and runs the program on it; arguments: first and last sector, as needed. In
 // both texts the build date reads "<date>" and the disk argument "<disk>".
 Outcome RunOn(const Disk& disk, const std::vector<std::string>& arguments = {},
               Build build = Build::kInventedCode);
+
+void ReplaceAll(std::string& text, const std::string& what, const std::string& with);
 
 }  // namespace trovisk::test
 

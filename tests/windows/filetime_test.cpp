@@ -1,12 +1,13 @@
 // The FILETIME conversion against Windows' own, over its whole range: the first and the last unit of every
-// day, and values that have no date. A program of its own, which runs on Windows only; status 0 when all
-// agree.
+// day and one between them, and values that have no date. A program of its own, which runs on Windows only;
+// status 0 when all agree.
 
 #define WIN32_LEAN_AND_MEAN
 #define NOMINMAX
 #include <windows.h>
 
 #include <iostream>
+#include <random>
 
 #include "frame/filetime.h"
 
@@ -31,6 +32,7 @@ bool Agree(u64 value) {
 int main() {
   constexpr u64 kDay = u64{86'400} * 10'000'000;
   constexpr u64 kLargest = ~u64{0} >> 1;
+  std::mt19937_64 random(1601);
   u64 different = 0;
   const auto check = [&](u64 value) {
     if (Agree(value)) return;
@@ -38,6 +40,7 @@ int main() {
   };
   for (u64 start = 0; start <= kLargest - kDay; start += kDay) {
     check(start);
+    check(start + random() % kDay);
     check(start + kDay - 1);
   }
   for (const u64 value : {u64{1}, kLargest - 1, kLargest, kLargest + 1, ~u64{0}})

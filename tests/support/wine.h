@@ -1,0 +1,52 @@
+// Runs Windows programs under Wine, where the environment asks for it:
+//
+//   TROVISK_WINE             the wine command
+//   TROVISK_WINDOWS_BUILD    the folder of the Windows build
+//   WINEPREFIX               Wine's own folder, made beforehand
+
+#ifndef TROVISK_TESTS_SUPPORT_WINE_H
+#define TROVISK_TESTS_SUPPORT_WINE_H
+
+#include <string>
+#include <vector>
+
+#include "tests/support/child.h"
+
+namespace trovisk::test {
+
+bool UnderWine();
+
+// The wine command.
+std::string WineCommand();
+
+// A program of the Windows build.
+std::string WindowsProgram(const std::string& name);
+
+// An image file as one of Wine's physical drives, for as long as the object lives.
+class WineDrive {
+ public:
+  explicit WineDrive(const std::string& image);
+  WineDrive(const WineDrive&) = delete;
+  WineDrive& operator=(const WineDrive&) = delete;
+  ~WineDrive();
+  const std::string& Number() const { return number_; }
+
+ private:
+  std::string number_;
+  std::string link_;
+};
+
+// Runs a Windows program; environment: NAME=VALUE pairs added to the environment. Line ends and the padding
+// of the day in dates read as elsewhere: the C runtime of Windows writes CR LF, and "Jan 01" for "Jan  1".
+// The program's own name is the path of this system.
+Outcome RunWindowsProgram(const std::string& program, const std::vector<std::string>& arguments,
+                          const std::vector<std::string>& environment);
+
+// The same for trovisk where the first argument is an image file, with "@sectorsize" behind its path or not:
+// the program is given a physical drive, and its texts name the image.
+Outcome RunOnWineDrive(const std::string& program, std::vector<std::string> arguments,
+                       std::vector<std::string> environment);
+
+}  // namespace trovisk::test
+
+#endif
