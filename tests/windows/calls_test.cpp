@@ -14,7 +14,7 @@ constexpr char kLastSector[] = "Last sector on disk is 99\n";
 // Nothing is registered on it but the master boot record.
 Disk EmptyDisk(u32 sectorSize = 512) {
   Disk disk(100, sectorSize);
-  for (const u64 sector : {2, 3, 4})
+  for (const u64 sector : {2U, 3U, 4U})
     disk.At(sector).Text(0, "not empty");
   return disk;
 }
