@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-
 #include "frame/dump.h"
 #include "tests/unit/printed.h"
 
@@ -34,7 +32,7 @@ std::vector<u8> Mixed(std::size_t count) {
 
 // Blocks end at 512 bytes; a listing may end before, at or behind such an end, and show rows without bytes.
 TEST(DumpRows, EveryLengthReadsAsFieldByField) {
-  for (const std::size_t count : {0, 1, 15, 16, 17, 511, 512, 513, 528, 1023, 1024, 1030}) {
+  for (const std::size_t count : {0U, 1U, 15U, 16U, 17U, 511U, 512U, 513U, 528U, 1023U, 1024U, 1030U}) {
     const std::vector<u8> bytes = Mixed(count);
     for (const std::size_t rows : {count / 16, count / 16 + 1, count / 16 + 33}) {
       EXPECT_EQ(TextOf([&] { PrintDumpRows(bytes, rows); }), TextOf([&] { PrintRowsByField(bytes, rows); }))
