@@ -163,10 +163,12 @@ class Bench:
         bare = [self.tool("bare_loop"), "twice", self.disk("replica1000000"), str(first), str(count)]
         bare, ours = self.times([bare, self.trovisk("replica1000000", last)])
         self.row("last of 10^6 DPOD sectors: trovisk / bare loop that reads them twice", ours / bare, 1.5)
+        # The same command's peak varies by a quarter, with the pages of the C library that are mapped when it
+        # starts. One byte kept for each record would make it 1.4 times as much.
         for what, small, large in (
                 ("the last one", self.trovisk("replica10", first + 9), self.trovisk("replica1000000", last)),
                 ("whole disk", self.trovisk("replica10"), self.trovisk("replica1000000"))):
-            self.row(f"10^6 DPOD sectors / 10, {what}: peak memory", self.memory(large) / self.memory(small), 1.05,
+            self.row(f"10^6 DPOD sectors / 10, {what}: peak memory", self.memory(large) / self.memory(small), 1.25,
                      timed=False)
         self.say("counting the system calls of a whole-disk run over them")
         calls = self.system_calls(self.trovisk("replica1000000"))
