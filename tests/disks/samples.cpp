@@ -185,7 +185,7 @@ Disk GptSample(u32 sectorSize) {
 
 Disk MbrSample(u32 sectorSize) {
   Disk disk(262144, sectorSize);
-  constexpr u32 kMiB = 2048;  // sectors
+  constexpr u64 kMiB = 2048;  // sectors
   PutInventedCode(disk.At(0), BootCode::kMbrWindows2008R2);
   PutBootRecord(disk, 0,
                 {.diskSignature = 0x1234ABCD,

@@ -124,9 +124,9 @@ TEST(Walk, RegisteredSectorsOutsideTheRequestedOnesAreDecodedSilently) {
 // The limit holds for the position that a step starts from: from 7 the next entry, 9, is loaded although it
 // lies beyond the limit, and nothing after it.
 TEST(Walk, LimitIsTestedBeforeTheSearch) {
-  EXPECT_TRUE(SameText(
-      WalkOf({{6, Spans<1>, L"six"}, {9, Spans<1>, L"nine"}, {12, Spans<1>, L"twelve"}}, {"7"}),
-      "<six 6>\n<nine 9>\n\n<six 6>\nReading sector # 7 [Raw Sector]\n... empty ...\n"));
+  EXPECT_TRUE(
+      SameText(WalkOf({{6, Spans<1>, L"six"}, {9, Spans<1>, L"nine"}, {12, Spans<1>, L"twelve"}}, {"7"}),
+               "<six 6>\n<nine 9>\n\n<six 6>\nReading sector # 7 [Raw Sector]\n... empty ...\n"));
 }
 
 // 10 and 5: the limit of both passes is 5, and no sector is asked for.
@@ -145,10 +145,10 @@ TEST(Walk, NegativeLastLeavesTheWalkWithoutLimit) {
 
 // A whole disk with the last argument for its limit. From 1 the next entry, 4, is loaded, though beyond it.
 TEST(Walk, NegativeFirstWithALastIsAWholeDiskUpToIt) {
-  EXPECT_TRUE(
-      SameText(WalkOf({{2, Spans<1>, L"two"}, {4, Spans<1>, L"four"}, {6, Spans<1>, L"six"}}, {"-5", "3"}),
-               "<two 2>\n<four 4>\n\nMBR\n<two 2 printed>\n" +
-                   Toc("         0\tMaster Boot Record\n         2\ttwo\n         4\tfour\n         6\tsix\n")));
+  EXPECT_TRUE(SameText(
+      WalkOf({{2, Spans<1>, L"two"}, {4, Spans<1>, L"four"}, {6, Spans<1>, L"six"}}, {"-5", "3"}),
+      "<two 2>\n<four 4>\n\nMBR\n<two 2 printed>\n" +
+          Toc("         0\tMaster Boot Record\n         2\ttwo\n         4\tfour\n         6\tsix\n")));
 }
 
 TEST(Walk, FailureEndsThePassNotTheRun) {

@@ -156,8 +156,8 @@ bool HasLength(const Field& field) {
   return field.kind != Kind::kFixed;
 }
 
-// Puts a record of this layout, all of whose lengths are 1 but for one field's, into the last slot and compares
-// how each line of its block begins.
+// Puts a record of this layout, all of whose lengths are 1 but for one field's, into the last slot and
+// compares how each line of its block begins.
 void ExpectLines(const Layout& layout, std::size_t longField, std::size_t length) {
   VblkData data;
   std::vector<std::string> starts;  // how each line of the block begins
