@@ -12,11 +12,11 @@
 namespace trovisk::test {
 namespace {
 
-// Under the sanitizers a tenth of the length shows the same.
 // How much the peak of equal runs differs, by the pages that the system happens to map. A single byte for
 // each of ten million sectors would be ten times as much.
 constexpr long kNoiseKiB = 1024;
 
+// Under the sanitizers a tenth of the length shows the same.
 constexpr u64 kScale = kMemoryCounts ? 1 : 10;
 constexpr u64 kMillion = 1000000 / kScale;
 
