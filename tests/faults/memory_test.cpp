@@ -25,6 +25,7 @@ Outcome RunOnChain(const std::string& kind, u64 count, const std::vector<std::st
   std::vector<std::string> words = {TROVISK_GENERATED_DISK_PROGRAM, kind + ":" + std::to_string(count)};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
   for (std::string& word : words)
     argv.push_back(word.data());
   argv.push_back(nullptr);

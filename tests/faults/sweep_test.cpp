@@ -190,7 +190,7 @@ class ReadFaults : public ::testing::TestWithParam<std::size_t> {
 
   // The printing pass's text where it ends, or loses a dump, at that read.
   std::string PrintedBefore(std::size_t read, bool dumpAlone) const {
-    const std::string printed = ReportBefore(read).substr(parts_.loading.size());
+    std::string printed = ReportBefore(read).substr(parts_.loading.size());
     if (!dumpAlone || !printed.ends_with("[as a raw sector]\n") || !GoesOnWithoutItsDump(printed))
       return printed;
     return printed + WithoutListing(parts_.printed.substr(printed.size()));
