@@ -46,15 +46,15 @@ u64 Global::GetLastSector() {
 }
 
 bool Global::Seek(u64 offset) {
-  const u64 sector = bytesPerSector == 0 ? 0 : offset / bytesPerSector;
+  const auto sector = [&] { return bytesPerSector == 0 ? 0 : offset / bytesPerSector; };
   u64 landed = 0;
   if (const ErrorCode error = SeekDevice(device_, offset, landed); error != 0) {
-    ErrorLine() << "Global::Seek failed to seek to sector " << sector << ", error " << NumberOf(error)
+    ErrorLine() << "Global::Seek failed to seek to sector " << sector() << ", error " << NumberOf(error)
                 << '\n';
     return false;
   }
   if (landed != offset) {
-    ErrorLine() << "Global::Seek failed to seek to sector " << sector << '\n';
+    ErrorLine() << "Global::Seek failed to seek to sector " << sector() << '\n';
     return false;
   }
   return true;
