@@ -1,6 +1,5 @@
 #include "frame/decode.h"
 
-#include <algorithm>
 #include <ostream>
 
 #include "frame/dump.h"
@@ -10,7 +9,6 @@
 namespace trovisk {
 
 bool ReadRecord(std::span<u8> record) {
-  std::fill(record.begin(), record.end(), u8{0});
   if (disk.Read(record.data(), record.size())) return true;
   ErrorLine() << "Error reading sector\n";
   return false;

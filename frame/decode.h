@@ -9,8 +9,8 @@
 
 namespace trovisk {
 
-// Zero-fills the record and reads it at the disk's position. A failure says "Error reading sector" on
-// standard error, after the disk layer's own message.
+// Reads the whole record at the disk's position. A failure says "Error reading sector" on standard error,
+// after the disk layer's own message; what the record holds is of no use then.
 bool ReadRecord(std::span<u8> record);
 
 // Seeks back to the start of the sector and hands it to DumpRawSector as "as a raw sector". Gives that
