@@ -34,27 +34,9 @@ void PrintUtf8(u32 codePoint) {
 }  // namespace
 
 std::string ToNarrow(WideText text) {
-  std::string narrow;
-  AppendNarrow(narrow, text);
+  std::string narrow(text.size() * MB_LEN_MAX, '\0');
+  narrow.resize(static_cast<std::size_t>(PutNarrow(narrow.data(), text) - narrow.data()));
   return narrow;
-}
-
-void AppendNarrow(std::string& line, WideText text) {
-  for (const wchar_t character : text) {
-    if (character == L'\0') break;
-    if (character > 0 && character < 0x80) {
-      line += static_cast<char>(character);
-      continue;
-    }
-    char bytes[MB_LEN_MAX];
-    std::mbstate_t state{};
-    const std::size_t count = std::wcrtomb(bytes, character, &state);
-    if (count == static_cast<std::size_t>(-1)) {
-      line += '?';
-    } else {
-      line.append(bytes, count);
-    }
-  }
 }
 
 void PrintAsStored(std::string_view characters) {
@@ -64,29 +46,49 @@ void PrintAsStored(std::string_view characters) {
   }
 }
 
-void AppendNumber(std::string& line, u64 value, std::size_t width) {
-  const bool hex = (std::cout.flags() & std::ios_base::hex) != 0;
-  const bool capitals = (std::cout.flags() & std::ios_base::uppercase) != 0;
-  std::array<char, 20> digits;  // those of the largest number
-  char* const begin = digits.data();
-  char* const end = std::to_chars(begin, begin + digits.size(), value, hex ? 16 : 10).ptr;
-  if (hex && capitals)
-    std::transform(begin, end, begin,
-                   [](char digit) { return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit; });
-  const auto count = static_cast<std::size_t>(end - begin);
-  if (count < width) line.append(width - count, ' ');
-  line.append(begin, count);
+char* PutNarrow(char* out, WideText text) {
+  for (std::size_t i = 0; i < text.size() && text[i] != L'\0'; ++i) {
+    if (text[i] > 0 && text[i] < 0x80) {
+      *out++ = static_cast<char>(text[i]);
+      continue;
+    }
+    std::mbstate_t state{};
+    const std::size_t count = std::wcrtomb(out, text[i], &state);
+    if (count == static_cast<std::size_t>(-1)) {
+      *out++ = '?';
+    } else {
+      out += count;
+    }
+  }
+  return out;
 }
+
+char* PutNumber(char* out, u64 value, std::size_t width) {
+  const auto flags = std::cout.flags();
+  const bool hex = (flags & std::ios_base::hex) != 0;
+  char* end = std::to_chars(out, out + kNumberText, value, hex ? 16 : 10).ptr;
+  if (hex && (flags & std::ios_base::uppercase) != 0)
+    std::transform(out, end, out,
+                   [](char digit) { return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit; });
+  if (static_cast<std::size_t>(end - out) < width) {
+    char* const number = std::move_backward(out, end, out + width);
+    std::fill(out, number, ' ');
+    end = out + width;
+  }
+  return end;
+}
+
+// More than any description has.
+constexpr std::size_t kMostDescription = 256;
 
 // Assembled and printed at once: in a range dump every sector has this line and nothing else to compute.
 void PrintSectorHeader(WideText description, u64 sector) {
-  static std::string line;  // one for all headers
-  line = "Reading sector # ";
-  AppendNumber(line, sector);
-  line += " [";
-  AppendNarrow(line, description);
-  line += "]\n";
-  PrintLines(line);
+  description = description.substr(0, kMostDescription);
+  char* out = PutText(RoomForLines(), "Reading sector # ");
+  out = PutNumber(out, sector);
+  out = PutText(out, " [");
+  out = PutNarrow(out, description);
+  PrintLinesInPlace(PutText(out, "]\n"));
 }
 
 void PrintHeading(std::string_view title, std::string_view indent) {

@@ -20,11 +20,12 @@ namespace trovisk {
 // Wide text to the C locale's narrow text, '?' for every character that it does not have; ends at a NUL.
 std::string ToNarrow(WideText text);
 
-// The same at the end of a line that is assembled before it is printed.
-void AppendNarrow(std::string& line, WideText text);
-
-// A number as the stream would print it, in its base and case, padded with blanks to the width.
-void AppendNumber(std::string& line, u64 value, std::size_t width = 0);
+// The same in place, and a number as the stream would print it, in its base and case, padded with blanks to
+// the width. They need room for MB_LEN_MAX characters for each wide one and for the larger of kNumberText and
+// the width for a number, and give the place behind the last character.
+char* PutNarrow(char* out, WideText text);
+inline constexpr std::size_t kNumberText = 20;
+char* PutNumber(char* out, u64 value, std::size_t width = 0);
 
 // "Reading sector # ", the sector, the description in brackets, a line end: what every report begins with.
 void PrintSectorHeader(WideText description, u64 sector);

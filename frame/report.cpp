@@ -1,5 +1,7 @@
 #include "frame/report.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <iostream>
 #include <streambuf>
@@ -16,6 +18,12 @@ constexpr std::size_t kReportBytes = std::size_t{64} * 1024;
 class ReportBuffer : public std::streambuf {
  public:
   ReportBuffer() : bytes_(kReportBytes) { setp(bytes_.data(), bytes_.data() + bytes_.size()); }
+
+  char* Room(std::size_t characters) {
+    if (static_cast<std::size_t>(epptr() - pptr()) < characters) Empty();
+    return pptr();
+  }
+  void Take(const char* end) { pbump(static_cast<int>(end - pptr())); }
 
  protected:
   int_type overflow(int_type character) override {
@@ -48,16 +56,20 @@ class ReportBuffer : public std::streambuf {
   bool failed_ = false;
 };
 
+ReportBuffer* reportBuffer = nullptr;
 bool onTerminal = false;
+
+// Room for text that is put in place while std::cout writes elsewhere.
+std::array<char, kLinesInPlace> otherRoom;
 
 }  // namespace
 
 void StartReport() {
   // Never destroyed: the standard streams flush into it after every other static object is gone.
-  static ReportBuffer* const buffer = new ReportBuffer;
+  if (reportBuffer == nullptr) reportBuffer = new ReportBuffer;
   PrepareReport();
   onTerminal = ReportIsTerminal();
-  std::cout.rdbuf(buffer);
+  std::cout.rdbuf(reportBuffer);
   std::cerr.tie(&std::cout);
 }
 
@@ -66,7 +78,7 @@ bool ReportOnTerminal() {
 }
 
 void FlushReport() {
-  std::cout.flush();
+  std::cout.rdbuf()->pubsync();
 }
 
 std::ostream& LineEnd(std::ostream& out) {
@@ -76,8 +88,25 @@ std::ostream& LineEnd(std::ostream& out) {
 }
 
 void PrintLines(std::string_view lines) {
-  std::cout.rdbuf()->sputn(lines.data(), static_cast<std::streamsize>(lines.size()));
-  if (onTerminal) std::cout.flush();
+  if (lines.size() > kLinesInPlace) {
+    std::cout.rdbuf()->sputn(lines.data(), static_cast<std::streamsize>(lines.size()));
+    if (onTerminal) FlushReport();
+  } else {
+    PrintLinesInPlace(PutText(RoomForLines(), lines));
+  }
+}
+
+char* RoomForLines() {
+  return std::cout.rdbuf() == reportBuffer ? reportBuffer->Room(kLinesInPlace) : otherRoom.data();
+}
+
+void PrintLinesInPlace(const char* end) {
+  if (std::cout.rdbuf() != reportBuffer) {
+    std::cout.rdbuf()->sputn(otherRoom.data(), end - otherRoom.data());
+  } else {
+    reportBuffer->Take(end);
+  }
+  if (onTerminal) FlushReport();
 }
 
 std::ostream& ErrorLine() {

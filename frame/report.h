@@ -8,6 +8,8 @@
 #ifndef TROVISK_FRAME_REPORT_H
 #define TROVISK_FRAME_REPORT_H
 
+#include <algorithm>
+#include <cstddef>
 #include <iosfwd>
 #include <string_view>
 
@@ -30,6 +32,18 @@ std::ostream& LineEnd(std::ostream& out);
 
 // Prints whole lines, the last one's line end included, in one go.
 void PrintLines(std::string_view lines);
+
+// The same for lines that are put in place, which spares a listing the copy: RoomForLines gives room for
+// kLinesInPlace characters, PrintLinesInPlace takes the place behind the last one. Nothing is printed in
+// between.
+inline constexpr std::size_t kLinesInPlace = std::size_t{24} * 1024;
+char* RoomForLines();
+void PrintLinesInPlace(const char* end);
+
+// Puts text in place; gives the place behind it.
+inline char* PutText(char* out, std::string_view text) {
+  return std::copy(text.begin(), text.end(), out);
+}
 
 // Standard error, for one line that the caller writes whole and ends in '\n'. Decimal always.
 std::ostream& ErrorLine();

@@ -116,12 +116,14 @@ std::optional<u64> NextUnregistered(const Request& request, u64 position) {
   return next;
 }
 
+constexpr WideText kRawSector = L"Raw Sector";
+
 // Counts through the sectors, as far as anyone can see: between two registered or requested sectors nothing
 // happens, so the position moves straight on.
 bool PrintSectors(const Request& request, u64 walkLimit) {
   u64 position = 0;
+  auto registered = disk.toc.FirstAtOrAfter(position);
   while (position <= walkLimit && !IsNegative(position)) {
-    const auto registered = disk.toc.FirstAtOrAfter(position);
     const auto requested = NextUnregistered(request, position);
     if (!registered && !requested) break;
     const u64 next = std::min(registered ? registered->first : kEndPass, requested.value_or(kEndPass));
@@ -132,8 +134,9 @@ bool PrintSectors(const Request& request, u64 walkLimit) {
     if (!SeekForPass(position, position)) return false;
     if (registered && registered->first == position) {
       position = Visit(registered->entry, position, IsRequested(request, position));
+      registered = disk.toc.FirstAtOrAfter(position);
     } else {
-      DumpRawSector(L"Raw Sector", position, true);
+      DumpRawSector(kRawSector, position, true);
       ++position;
     }
   }
@@ -141,11 +144,8 @@ bool PrintSectors(const Request& request, u64 walkLimit) {
 }
 
 // rest: what stands behind the number, line end included.
-void PrintTocRow(u64 sector, std::string_view rest, std::string& line) {
-  line.clear();
-  AppendNumber(line, sector, 10);
-  line += rest;
-  PrintLines(line);
+void PrintTocRow(u64 sector, std::string_view rest) {
+  PrintLinesInPlace(PutText(PutNumber(RoomForLines(), sector, 10), rest));
 }
 
 // Rows for sectors beyond the end of the disk. A fuzzer's runs have to be short.
@@ -164,10 +164,9 @@ void PrintToc(u64 lastOnDisk) {
   const u64 sectorsOnDisk = lastOnDisk + 1;
   u64 rowsBeyondDisk = 0;
   u64 position = 0;
-  std::string line;
   while (const auto run = disk.toc.FirstAtOrAfter(position)) {
     std::string rest = "\t";
-    AppendNarrow(rest, run->entry.description);
+    rest += ToNarrow(run->entry.description);
     rest += '\n';
     for (position = run->first;; ++position) {
       if (position >= sectorsOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->first &&
@@ -175,7 +174,7 @@ void PrintToc(u64 lastOnDisk) {
         std::cout << "       ..." << LineEnd;
         position = run->last;
       }
-      PrintTocRow(position, rest, line);
+      PrintTocRow(position, rest);
       if (position == run->last) break;
     }
     if (++position == 0) break;

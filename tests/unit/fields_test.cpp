@@ -227,12 +227,11 @@ TEST(ToNarrow, EndsAtANul) {
 }
 
 std::string Number(u64 value, std::size_t width = 0) {
-  std::string line = "<";
-  AppendNumber(line, value, width);
-  return line + ">";
+  std::array<char, kNumberText> text;
+  return "<" + std::string(text.data(), PutNumber(text.data(), value, width)) + ">";
 }
 
-TEST(AppendNumber, FollowsTheStreamsBaseAndCapitals) {
+TEST(PutNumber, FollowsTheStreamsBaseAndCapitals) {
   Printed printed;
   EXPECT_EQ(Number(0), "<0>");
   EXPECT_EQ(Number(~u64{0}), "<18446744073709551615>");
@@ -245,7 +244,7 @@ TEST(AppendNumber, FollowsTheStreamsBaseAndCapitals) {
   EXPECT_EQ(Number(160), "<160>");
 }
 
-TEST(AppendNumber, BlanksFillTheWidth) {
+TEST(PutNumber, BlanksFillTheWidth) {
   Printed printed;
   std::cout << std::setfill('0');
   EXPECT_EQ(Number(47, 10), "<        47>");

@@ -1,0 +1,198 @@
+#include "frame/hex_rows.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+// Not on Windows, where GCC does not align vectors of that size on the stack. A read and a write cost so much
+// more there that the rows hardly count.
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(_WIN32)
+#include <immintrin.h>
+#define TROVISK_AVX2 __attribute__((target("avx2")))
+#endif
+
+namespace trovisk {
+namespace {
+
+constexpr std::size_t kCellText = 3;  // "XX "
+constexpr std::size_t kCellsText = kRowBytes * kCellText;
+constexpr std::size_t kGap = 4;  // blanks between the cells and the characters
+constexpr std::size_t kAfterOffset = kCellsText + kGap + kRowBytes + 1;
+constexpr std::array<char, 16> kDigits = {'0', '1', '2', '3', '4', '5', '6', '7',
+                                          '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'};
+
+// A byte's cell with a blank to spare, so that it is stored as one word: a range dump is bound by this.
+constexpr std::array<std::array<char, 4>, 256> MakeCells() {
+  std::array<std::array<char, 4>, 256> cells{};
+  for (std::size_t i = 0; i < cells.size(); ++i)
+    cells[i] = {kDigits[i >> 4], kDigits[i & 15], ' ', ' '};
+  return cells;
+}
+constexpr auto kCells = MakeCells();
+
+// What stands in front of the cells, for the rows of sectors of up to 4096 bytes.
+constexpr std::size_t kOffsetText = 7;  // "0xXXX  "
+constexpr std::array<std::array<char, 8>, 256> MakeOffsets() {
+  std::array<std::array<char, 8>, 256> offsets{};
+  for (std::size_t i = 0; i < offsets.size(); ++i)
+    offsets[i] = {'0', 'x', kDigits[i >> 4], kDigits[i & 15], '0', ' ', ' ', ' '};
+  return offsets;
+}
+constexpr auto kOffsets = MakeOffsets();
+
+constexpr char CharacterOf(u8 byte) {
+  return byte >= 0x20 && byte <= 0x7E ? static_cast<char>(byte) : '.';
+}
+
+char* PutLargeOffset(char* out, std::size_t offset) {
+  std::size_t digits = 3;
+  while (digits < 2 * sizeof offset && offset >> digits * 4 != 0)
+    ++digits;
+  *out++ = '0';
+  *out++ = 'x';
+  while (digits-- > 0)
+    *out++ = kDigits[offset >> digits * 4 & 15];
+  *out++ = ' ';
+  *out++ = ' ';
+  return out;
+}
+
+// Offsets of rows are multiples of sixteen.
+inline char* PutOffset(char* out, std::size_t offset) {
+  const std::size_t row = offset / kRowBytes;
+  if (row >= kOffsets.size()) return PutLargeOffset(out, offset);
+  std::memcpy(out, kOffsets[row].data(), kOffsets[row].size());
+  return out + kOffsetText;
+}
+
+inline void PutGap(char* out) {
+  std::memset(out, ' ', kGap);
+}
+
+}  // namespace
+
+char* PutRowsByTable(char* out, Bytes bytes, std::size_t offset) {
+  std::array<char, 32 * kRowBytes> characters;
+  for (std::size_t at = 0; at + kRowBytes <= bytes.size(); at += kRowBytes) {
+    const std::size_t place = at % characters.size();
+    if (place == 0) {  // in a loop of its own, which compilers vectorise
+      const Bytes part = SliceAt(bytes, at, characters.size());
+      std::transform(part.begin(), part.end(), characters.begin(), CharacterOf);
+    }
+    out = PutOffset(out, offset + at);
+    for (std::size_t i = 0; i < kRowBytes; ++i)
+      std::memcpy(out + i * kCellText, kCells[bytes[at + i]].data(), 4);
+    PutGap(out + kCellsText);
+    std::memcpy(out + kCellsText + kGap, characters.data() + place, kRowBytes);
+    out += kAfterOffset;
+    out[-1] = '\n';
+  }
+  return out;
+}
+
+#ifdef TROVISK_AVX2
+
+namespace {
+
+// A row's cells are stored as three vectors of sixteen characters, those of two rows at a time. Of each
+// character: which digit it is, or that it is a blank.
+struct CellLayout {
+  std::array<u8, 32> digit;  // its place among sixteen digits; with the top bit set, the shuffle gives zero
+  std::array<u8, 32> blank;  // ' ' where no digit stands
+};
+
+// firstDigit: the row's digit that stands at place 0 of the vector that the digits are taken from.
+constexpr CellLayout MakeLayout(std::size_t vector, std::size_t firstDigit) {
+  CellLayout layout{};
+  for (std::size_t i = 0; i < 16; ++i) {
+    const std::size_t character = vector * 16 + i;
+    const std::size_t digit = character / kCellText * 2 + character % kCellText;
+    const bool blank = character % kCellText == 2;
+    layout.digit[i] = layout.digit[i + 16] = blank ? u8{0x80} : static_cast<u8>(digit - firstDigit);
+    layout.blank[i] = layout.blank[i + 16] = blank ? u8{' '} : u8{0};
+  }
+  return layout;
+}
+constexpr CellLayout kFirstCells = MakeLayout(0, 0);
+constexpr CellLayout kMiddleCells = MakeLayout(1, 8);
+constexpr CellLayout kLastCells = MakeLayout(2, 16);
+
+TROVISK_AVX2 inline __m256i Load(const void* bytes) {
+  return _mm256_loadu_si256(static_cast<const __m256i*>(bytes));
+}
+
+// The lower half of the characters into one row, the upper half into the next.
+TROVISK_AVX2 inline void Store(char* row, char* nextRow, __m256i characters) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(row), _mm256_castsi256_si128(characters));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(nextRow), _mm256_extracti128_si256(characters, 1));
+}
+
+TROVISK_AVX2 inline __m256i CellsOf(__m256i digits, const CellLayout& layout) {
+  return _mm256_or_si256(_mm256_shuffle_epi8(digits, Load(layout.digit.data())), Load(layout.blank.data()));
+}
+
+// Two rows at a time, one in each half of the vectors: shuffles look up the digits of all bytes, others move
+// these into their cells.
+TROVISK_AVX2 char* PutRowsByAvx2(char* out, Bytes bytes, std::size_t offset) {
+  const __m256i digitOf =
+      _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(kDigits.data())));
+  const __m256i lowHalf = _mm256_set1_epi8(15);
+  std::size_t at = 0;
+  for (; at + 2 * kRowBytes <= bytes.size(); at += 2 * kRowBytes) {
+    const __m256i rows = Load(bytes.data() + at);
+    const __m256i high = _mm256_shuffle_epi8(digitOf, _mm256_and_si256(_mm256_srli_epi16(rows, 4), lowHalf));
+    const __m256i low = _mm256_shuffle_epi8(digitOf, _mm256_and_si256(rows, lowHalf));
+    const __m256i first = _mm256_unpacklo_epi8(high, low);  // the digits of a row's bytes 0 to 7
+    const __m256i last = _mm256_unpackhi_epi8(high, low);   // and 8 to 15
+    // As signed numbers, bytes from 0x80 on are less than a blank.
+    const __m256i other = _mm256_or_si256(_mm256_cmpgt_epi8(_mm256_set1_epi8(' '), rows),
+                                          _mm256_cmpeq_epi8(rows, _mm256_set1_epi8(0x7F)));
+
+    char* const row = PutOffset(out, offset + at);
+    char* const nextRow = PutOffset(row + kAfterOffset, offset + at + kRowBytes);
+    Store(row, nextRow, CellsOf(first, kFirstCells));
+    Store(row + 16, nextRow + 16, CellsOf(_mm256_alignr_epi8(last, first, 8), kMiddleCells));
+    Store(row + 32, nextRow + 32, CellsOf(last, kLastCells));
+    PutGap(row + kCellsText);
+    PutGap(nextRow + kCellsText);
+    Store(row + kCellsText + kGap, nextRow + kCellsText + kGap,
+          _mm256_blendv_epi8(rows, _mm256_set1_epi8('.'), other));
+    out = nextRow + kAfterOffset;
+    row[kAfterOffset - 1] = out[-1] = '\n';
+  }
+  return at == bytes.size() ? out : PutRowsByTable(out, FromAt(bytes, at), offset + at);
+}
+
+}  // namespace
+
+RowWriter RowWriterOfAvx2() {
+  return __builtin_cpu_supports("avx2") ? PutRowsByAvx2 : nullptr;
+}
+
+#else
+
+RowWriter RowWriterOfAvx2() {
+  return nullptr;
+}
+
+#endif
+
+char* PutRows(char* out, Bytes bytes, std::size_t offset) {
+  static const RowWriter fastest = RowWriterOfAvx2() != nullptr ? RowWriterOfAvx2() : PutRowsByTable;
+  return fastest(out, bytes, offset);
+}
+
+char* PutShortRow(char* out, Bytes row, std::size_t offset) {
+  out = PutOffset(out, offset);
+  std::memset(out, ' ', kCellsText + kGap);
+  char* character = out + kCellsText + kGap;
+  for (const u8 byte : row) {
+    std::memcpy(out, kCells[byte].data(), kCellText);
+    out += kCellText;
+    *character++ = CharacterOf(byte);
+  }
+  *character++ = '\n';
+  return character;
+}
+
+}  // namespace trovisk

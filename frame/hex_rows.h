@@ -1,0 +1,34 @@
+// The rows of a listing as text: "0x", the offset in at least three digits, two blanks, a cell of three
+// characters for each of sixteen bytes, four blanks and the bytes as characters, '.' for those that are not
+// printable ASCII. Digits are capitals.
+
+#ifndef TROVISK_FRAME_HEX_ROWS_H
+#define TROVISK_FRAME_HEX_ROWS_H
+
+#include "frame/bytes.h"
+
+namespace trovisk {
+
+inline constexpr std::size_t kRowBytes = 16;
+
+// The characters of the longest row, its line end included.
+inline constexpr std::size_t kRowText = 2 + 2 * sizeof(std::size_t) + 2 + kRowBytes * 3 + 4 + kRowBytes + 1;
+
+// Each of these writes rows, the first of which has that offset, and gives the place behind the last line
+// end. They need kRowText characters of room for each row.
+
+// Whole rows of bytes; what is left at the end, less than a row, is not written.
+char* PutRows(char* out, Bytes bytes, std::size_t offset);
+
+// One row whose bytes end early: blanks for the missing cells, nothing for the missing characters.
+char* PutShortRow(char* out, Bytes row, std::size_t offset);
+
+// The two ways of PutRows: for any processor, and for those with AVX2, which it takes where it can. Null
+// where the program is built for processors or by compilers without it.
+using RowWriter = char* (*)(char* out, Bytes bytes, std::size_t offset);
+char* PutRowsByTable(char* out, Bytes bytes, std::size_t offset);
+RowWriter RowWriterOfAvx2();
+
+}  // namespace trovisk
+
+#endif
