@@ -17,7 +17,7 @@ namespace {
 constexpr off_t kSectorSize = 512;
 
 bool ReadSector(int disk, off_t sector) {
-  std::array<char, kSectorSize> bytes;
+  alignas(64) std::array<char, kSectorSize> bytes;  // as the program's is
   return pread(disk, bytes.data(), bytes.size(), sector * kSectorSize) == kSectorSize;
 }
 

@@ -4,6 +4,8 @@
 #include <array>
 #include <iomanip>
 #include <iostream>
+#include <memory>
+#include <span>
 #include <vector>
 
 #include "frame/decode.h"
@@ -16,6 +18,17 @@ namespace {
 
 constexpr std::size_t kBlockBytes = 4096;  // formatted and handed over at once
 static_assert(kDumpHeading.size() + kBlockBytes / kRowBytes * kRowText + 1 <= kLinesInPlace);
+
+// Room for a sector, one for all of them. It begins with a cache line: systems copy there faster.
+std::span<u8> SectorBuffer() {
+  constexpr std::size_t kLine = 64;
+  static std::vector<u8> room;
+  room.resize(disk.bytesPerSector + kLine);
+  void* start = room.data();
+  std::size_t space = room.size();
+  std::align(kLine, disk.bytesPerSector, start, space);
+  return {static_cast<u8*>(start), disk.bytesPerSector};
+}
 
 // So many rows between two texts. They are formatted by the block and handed to the stream at once, which is
 // left as field-by-field printing would leave it: zero fill, decimal, and capitals on once a byte has been
@@ -54,8 +67,7 @@ void PrintDumpRows(Bytes bytes, std::size_t rows) {
 
 u64 DumpRawSector(WideText description, u64 sector, bool print) {
   if (!print) return sector + 1;
-  static std::vector<u8> bytes;  // one for all sectors
-  bytes.resize(disk.bytesPerSector);
+  const std::span<u8> bytes = SectorBuffer();
   PrintSectorHeader(description, sector);
   if (!ReadRecord(bytes)) return kEndPass;
   if (AllZero(bytes)) {
