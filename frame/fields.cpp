@@ -47,13 +47,14 @@ void PrintAsStored(std::string_view characters) {
 }
 
 char* PutNarrow(char* out, WideText text) {
-  for (std::size_t i = 0; i < text.size() && text[i] != L'\0'; ++i) {
-    if (text[i] > 0 && text[i] < 0x80) {
-      *out++ = static_cast<char>(text[i]);
+  for (const wchar_t character : text) {
+    if (character < 0x80 && character > 0) {
+      *out++ = static_cast<char>(character);
       continue;
     }
+    if (character == L'\0') break;
     std::mbstate_t state{};
-    const std::size_t count = std::wcrtomb(out, text[i], &state);
+    const std::size_t count = std::wcrtomb(out, character, &state);
     if (count == static_cast<std::size_t>(-1)) {
       *out++ = '?';
     } else {

@@ -94,41 +94,68 @@ char* PutRowsByTable(char* out, Bytes bytes, std::size_t offset) {
 
 namespace {
 
-// A row's cells are stored as three vectors of sixteen characters, those of two rows at a time. Of each
-// character: which digit it is, or that it is a blank.
+// A row with an offset of three digits is stored as five vectors of sixteen characters, the last of which
+// overlaps the one before.
+constexpr std::size_t kShortRowText = kOffsetText + kAfterOffset;
+constexpr std::size_t kVector = 16;
+constexpr std::size_t kCharacters = kOffsetText + kCellsText + kGap;  // where the bytes' characters begin
+static_assert(kCharacters < 4 * kVector && kShortRowText == 4 * kVector + 12);
+
+// What a vector takes from the cells, twice, for two rows at a time. Of each character: which of the row's
+// digits it is, or that it is a blank; zero in both where it is neither.
 struct CellLayout {
   std::array<u8, 32> digit;  // its place among sixteen digits; with the top bit set, the shuffle gives zero
-  std::array<u8, 32> blank;  // ' ' where no digit stands
+  std::array<u8, 32> blank;
 };
 
 // firstDigit: the row's digit that stands at place 0 of the vector that the digits are taken from.
 constexpr CellLayout MakeLayout(std::size_t vector, std::size_t firstDigit) {
   CellLayout layout{};
-  for (std::size_t i = 0; i < 16; ++i) {
-    const std::size_t character = vector * 16 + i;
-    const std::size_t digit = character / kCellText * 2 + character % kCellText;
-    const bool blank = character % kCellText == 2;
-    layout.digit[i] = layout.digit[i + 16] = blank ? u8{0x80} : static_cast<u8>(digit - firstDigit);
-    layout.blank[i] = layout.blank[i + 16] = blank ? u8{' '} : u8{0};
+  for (std::size_t i = 0; i < kVector; ++i) {
+    const std::size_t place = vector * kVector + i;
+    const bool inCells = place >= kOffsetText && place < kOffsetText + kCellsText;
+    const std::size_t cell = (place - kOffsetText) / kCellText;
+    const std::size_t part = (place - kOffsetText) % kCellText;
+    const bool digit = inCells && part < 2;
+    const bool blank = !digit && place >= kOffsetText && place < kCharacters;
+    layout.digit[i] = layout.digit[i + kVector] =
+        digit ? static_cast<u8>(cell * 2 + part - firstDigit) : u8{0x80};
+    layout.blank[i] = layout.blank[i + kVector] = blank ? u8{' '} : u8{0};
   }
   return layout;
 }
-constexpr CellLayout kFirstCells = MakeLayout(0, 0);
-constexpr CellLayout kMiddleCells = MakeLayout(1, 8);
-constexpr CellLayout kLastCells = MakeLayout(2, 16);
+constexpr CellLayout kLayout0 = MakeLayout(0, 0);
+constexpr CellLayout kLayout1 = MakeLayout(1, 6);
+constexpr CellLayout kLayout2 = MakeLayout(2, 16);
+constexpr CellLayout kLayout3 = MakeLayout(3, 16);
+
+// What the first vector of a row has but its digits, for one row after the other of a sector of 4096 bytes.
+constexpr std::array<u8, kOffsets.size() * kVector> MakeStarts() {
+  std::array<u8, kOffsets.size() * kVector> starts{};
+  for (std::size_t i = 0; i < starts.size(); ++i) {
+    const std::size_t place = i % kVector;
+    starts[i] = place < kOffsetText ? static_cast<u8>(kOffsets[i / kVector][place]) : kLayout0.blank[place];
+  }
+  return starts;
+}
+constexpr auto kStarts = MakeStarts();
 
 TROVISK_AVX2 inline __m256i Load(const void* bytes) {
   return _mm256_loadu_si256(static_cast<const __m256i*>(bytes));
 }
 
 // The lower half of the characters into one row, the upper half into the next.
-TROVISK_AVX2 inline void Store(char* row, char* nextRow, __m256i characters) {
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(row), _mm256_castsi256_si128(characters));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(nextRow), _mm256_extracti128_si256(characters, 1));
+TROVISK_AVX2 inline void Store(char* out, __m256i characters) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(characters));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out + kShortRowText), _mm256_extracti128_si256(characters, 1));
 }
 
-TROVISK_AVX2 inline __m256i CellsOf(__m256i digits, const CellLayout& layout) {
-  return _mm256_or_si256(_mm256_shuffle_epi8(digits, Load(layout.digit.data())), Load(layout.blank.data()));
+TROVISK_AVX2 inline __m256i Digits(__m256i digits, const CellLayout& layout) {
+  return _mm256_shuffle_epi8(digits, Load(layout.digit.data()));
+}
+
+TROVISK_AVX2 inline __m256i Cells(__m256i digits, const CellLayout& layout) {
+  return _mm256_or_si256(Digits(digits, layout), Load(layout.blank.data()));
 }
 
 // Two rows at a time, one in each half of the vectors: shuffles look up the digits of all bytes, others move
@@ -139,6 +166,8 @@ TROVISK_AVX2 char* PutRowsByAvx2(char* out, Bytes bytes, std::size_t offset) {
   const __m256i lowHalf = _mm256_set1_epi8(15);
   std::size_t at = 0;
   for (; at + 2 * kRowBytes <= bytes.size(); at += 2 * kRowBytes) {
+    const std::size_t row = (offset + at) / kRowBytes;
+    if (row + 1 >= kOffsets.size()) break;
     const __m256i rows = Load(bytes.data() + at);
     const __m256i high = _mm256_shuffle_epi8(digitOf, _mm256_and_si256(_mm256_srli_epi16(rows, 4), lowHalf));
     const __m256i low = _mm256_shuffle_epi8(digitOf, _mm256_and_si256(rows, lowHalf));
@@ -147,18 +176,15 @@ TROVISK_AVX2 char* PutRowsByAvx2(char* out, Bytes bytes, std::size_t offset) {
     // As signed numbers, bytes from 0x80 on are less than a blank.
     const __m256i other = _mm256_or_si256(_mm256_cmpgt_epi8(_mm256_set1_epi8(' '), rows),
                                           _mm256_cmpeq_epi8(rows, _mm256_set1_epi8(0x7F)));
+    const __m256i characters = _mm256_blendv_epi8(rows, _mm256_set1_epi8('.'), other);
 
-    char* const row = PutOffset(out, offset + at);
-    char* const nextRow = PutOffset(row + kAfterOffset, offset + at + kRowBytes);
-    Store(row, nextRow, CellsOf(first, kFirstCells));
-    Store(row + 16, nextRow + 16, CellsOf(_mm256_alignr_epi8(last, first, 8), kMiddleCells));
-    Store(row + 32, nextRow + 32, CellsOf(last, kLastCells));
-    PutGap(row + kCellsText);
-    PutGap(nextRow + kCellsText);
-    Store(row + kCellsText + kGap, nextRow + kCellsText + kGap,
-          _mm256_blendv_epi8(rows, _mm256_set1_epi8('.'), other));
-    out = nextRow + kAfterOffset;
-    row[kAfterOffset - 1] = out[-1] = '\n';
+    Store(out, _mm256_or_si256(Digits(first, kLayout0), Load(kStarts.data() + row * kVector)));
+    Store(out + kVector, Cells(_mm256_alignr_epi8(last, first, 6), kLayout1));
+    Store(out + 2 * kVector, Cells(last, kLayout2));
+    Store(out + 3 * kVector,
+          _mm256_or_si256(Cells(last, kLayout3), _mm256_bslli_epi128(characters, kCharacters % kVector)));
+    Store(out + kShortRowText - kVector, _mm256_alignr_epi8(_mm256_set1_epi8('\n'), characters, 1));
+    out += 2 * kShortRowText;
   }
   return at == bytes.size() ? out : PutRowsByTable(out, FromAt(bytes, at), offset + at);
 }
