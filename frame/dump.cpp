@@ -30,15 +30,18 @@ std::span<u8> SectorBuffer() {
   return {static_cast<u8*>(start), disk.bytesPerSector};
 }
 
-// So many rows between two texts. They are formatted by the block and handed to the stream at once, which is
-// left as field-by-field printing would leave it: zero fill, decimal, and capitals on once a byte has been
-// shown.
-void PrintRowsBetween(std::string_view above, Bytes bytes, std::size_t rows, std::string_view below) {
+// What stands around the rows: nothing, or the column heading and an empty line.
+enum class Around { kNothing, kListing };
+
+// The rows are formatted by the block and handed to the stream at once, which is left as field-by-field
+// printing would leave it: zero fill, decimal, and capitals on once a byte has been shown.
+void PrintRows(Bytes bytes, std::size_t rows, Around around) {
   if (rows != 0) {
     if (!bytes.empty()) std::cout << std::uppercase;
     std::cout << std::setfill('0') << std::dec;
   }
-  char* out = PutText(RoomForLines(), above);
+  char* out = RoomForLines();
+  if (around == Around::kListing) out = PutText(out, kDumpHeading);
   const std::size_t end = rows * kRowBytes;
   for (std::size_t at = 0; at < end;) {
     const std::size_t blockEnd = std::min(at + kBlockBytes, end);
@@ -51,18 +54,19 @@ void PrintRowsBetween(std::string_view above, Bytes bytes, std::size_t rows, std
       out = RoomForLines();
     }
   }
-  PrintLinesInPlace(PutText(out, below));
+  if (around == Around::kListing) *out++ = '\n';
+  PrintLinesInPlace(out);
 }
 
-// A listing of all whole rows between its column heading and an empty line.
+// All whole rows.
 void PrintListing(Bytes bytes) {
-  PrintRowsBetween(kDumpHeading, bytes, bytes.size() / kRowBytes, "\n");
+  PrintRows(bytes, bytes.size() / kRowBytes, Around::kListing);
 }
 
 }  // namespace
 
 void PrintDumpRows(Bytes bytes, std::size_t rows) {
-  PrintRowsBetween("", bytes, rows, "");
+  PrintRows(bytes, rows, Around::kNothing);
 }
 
 u64 DumpRawSector(WideText description, u64 sector, bool print) {

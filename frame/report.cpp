@@ -15,7 +15,7 @@ namespace {
 // More than the listing of a 4096-byte sector, which so leaves in one write.
 constexpr std::size_t kReportBytes = std::size_t{64} * 1024;
 
-class ReportBuffer : public std::streambuf {
+class ReportBuffer final : public std::streambuf {
  public:
   ReportBuffer() : bytes_(kReportBytes) { setp(bytes_.data(), bytes_.data() + bytes_.size()); }
 
@@ -24,6 +24,18 @@ class ReportBuffer : public std::streambuf {
     return pptr();
   }
   void Take(const char* end) { pbump(static_cast<int>(end - pptr())); }
+
+  void Empty() {
+    const auto count = static_cast<std::size_t>(pptr() - pbase());
+    setp(bytes_.data(), bytes_.data() + bytes_.size());
+    if (count == 0 || failed_) return;
+    const ErrorCode error = WriteReport(bytes_.data(), count);
+    if (error == 0) return;
+    failed_ = true;  // the exit below flushes once more
+    if (IsClosedPipe(error)) std::exit(0);
+    std::cerr << "Error writing the report, error " << error << '\n';
+    std::exit(1);
+  }
 
  protected:
   int_type overflow(int_type character) override {
@@ -40,18 +52,6 @@ class ReportBuffer : public std::streambuf {
   }
 
  private:
-  void Empty() {
-    const auto count = static_cast<std::size_t>(pptr() - pbase());
-    setp(bytes_.data(), bytes_.data() + bytes_.size());
-    if (count == 0 || failed_) return;
-    const ErrorCode error = WriteReport(bytes_.data(), count);
-    if (error == 0) return;
-    failed_ = true;  // the exit below flushes once more
-    if (IsClosedPipe(error)) std::exit(0);
-    std::cerr << "Error writing the report, error " << error << '\n';
-    std::exit(1);
-  }
-
   std::vector<char> bytes_;
   bool failed_ = false;
 };
@@ -77,8 +77,13 @@ bool ReportOnTerminal() {
   return onTerminal;
 }
 
+// Straight to the buffer: after a system call, processors do not predict where a virtual call goes.
 void FlushReport() {
-  std::cout.rdbuf()->pubsync();
+  if (std::cout.rdbuf() == reportBuffer) {
+    reportBuffer->Empty();
+  } else {
+    std::cout.rdbuf()->pubsync();
+  }
 }
 
 std::ostream& LineEnd(std::ostream& out) {
