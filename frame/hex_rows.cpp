@@ -108,6 +108,10 @@ struct CellLayout {
   std::array<u8, 32> blank;
 };
 
+// The row's digit at which the digits of the second vector begin; those of the first begin with digit 0,
+// those of the others with digit 16, the first of byte 8.
+constexpr int kSecondVectorDigit = 6;
+
 // firstDigit: the row's digit that stands at place 0 of the vector that the digits are taken from.
 constexpr CellLayout MakeLayout(std::size_t vector, std::size_t firstDigit) {
   CellLayout layout{};
@@ -125,7 +129,7 @@ constexpr CellLayout MakeLayout(std::size_t vector, std::size_t firstDigit) {
   return layout;
 }
 constexpr CellLayout kLayout0 = MakeLayout(0, 0);
-constexpr CellLayout kLayout1 = MakeLayout(1, 6);
+constexpr CellLayout kLayout1 = MakeLayout(1, kSecondVectorDigit);
 constexpr CellLayout kLayout2 = MakeLayout(2, 16);
 constexpr CellLayout kLayout3 = MakeLayout(3, 16);
 
@@ -179,7 +183,7 @@ TROVISK_AVX2 char* PutRowsByAvx2(char* out, Bytes bytes, std::size_t offset) {
     const __m256i characters = _mm256_blendv_epi8(rows, _mm256_set1_epi8('.'), other);
 
     Store(out, _mm256_or_si256(Digits(first, kLayout0), Load(kStarts.data() + row * kVector)));
-    Store(out + kVector, Cells(_mm256_alignr_epi8(last, first, 6), kLayout1));
+    Store(out + kVector, Cells(_mm256_alignr_epi8(last, first, kSecondVectorDigit), kLayout1));
     Store(out + 2 * kVector, Cells(last, kLayout2));
     Store(out + 3 * kVector,
           _mm256_or_si256(Cells(last, kLayout3), _mm256_bslli_epi128(characters, kCharacters % kVector)));

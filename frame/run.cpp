@@ -136,7 +136,7 @@ bool PrintSectors(const Request& request, u64 walkLimit) {
       position = Visit(registered->entry, position, IsRequested(request, position));
       registered = disk.toc.FirstAtOrAfter(position);
     } else {
-      DumpRawSector(kRawSector, position, true);
+      DumpRawSector(kRawSector, position, true);  // which registers nothing
       ++position;
     }
   }

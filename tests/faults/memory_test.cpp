@@ -1,7 +1,6 @@
 // Chains over millions of sectors: every run ends soon, in little memory.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <iostream>
 
@@ -24,12 +23,7 @@ constexpr u64 kMillion = 1000000 / kScale;
 Outcome RunOnChain(const std::string& kind, u64 count, const std::vector<std::string>& arguments) {
   std::vector<std::string> words = {TROVISK_GENERATED_DISK_PROGRAM, kind + ":" + std::to_string(count)};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> argv;
-  argv.reserve(words.size() + 1);
-  for (std::string& word : words)
-    argv.push_back(word.data());
-  argv.push_back(nullptr);
-  Outcome outcome = WithinLimits([&] { return RunChild([&] { execv(argv[0], argv.data()); }); });
+  Outcome outcome = WithinLimits([&] { return RunChild([&] { Execute(words); }); });
   std::cout << kind << ", " << count << " sectors: " << outcome.peakKiB << " KiB\n";
   EXPECT_EQ(outcome.status, 0);
   return outcome;

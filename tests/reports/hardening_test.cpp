@@ -1,7 +1,6 @@
 // What the finished programs say of the walls that stand behind the code, read from the files themselves.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 
@@ -12,12 +11,7 @@ namespace trovisk::test {
 namespace {
 
 std::string OutputOf(const std::vector<std::string>& words) {
-  std::vector<char*> argv;
-  argv.reserve(words.size() + 1);
-  for (const std::string& word : words)
-    argv.push_back(const_cast<char*>(word.c_str()));
-  argv.push_back(nullptr);
-  const Outcome outcome = RunChild([&] { execvp(argv[0], argv.data()); });
+  const Outcome outcome = RunChild([&] { Execute(words); });
   EXPECT_EQ(outcome.status, 0) << words[0] << " is missing, or cannot read the file: " << outcome.err;
   return outcome.out;
 }

@@ -55,6 +55,15 @@ std::string WithoutDate(const std::string& report) {
   return std::regex_replace(report, date, "built <date>\n", std::regex_constants::format_first_only);
 }
 
+void Execute(const std::vector<std::string>& words) {
+  std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
+  for (const std::string& word : words)
+    argv.push_back(const_cast<char*>(word.c_str()));
+  argv.push_back(nullptr);
+  execvp(argv[0], argv.data());
+}
+
 Outcome RunChild(const std::function<void()>& body) {
   static std::atomic<int> runs = 0;
   const std::string stem = ScratchPath("run" + std::to_string(runs++));

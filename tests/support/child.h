@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace trovisk::test {
 
@@ -18,6 +19,10 @@ struct Outcome {
 // Runs body in a child process whose standard output and standard error are files of its own; the process
 // ends with status 127 where body returns.
 Outcome RunChild(const std::function<void()>& body);
+
+// Replaces this process with a program, looked for on the PATH when it is a mere name, and its arguments.
+// Returns where that fails.
+void Execute(const std::vector<std::string>& words);
 
 // The build date in a banner replaced by "<date>".
 std::string WithoutDate(const std::string& report);

@@ -1,7 +1,5 @@
 #include "tests/support/program.h"
 
-#include <unistd.h>
-
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
@@ -34,18 +32,15 @@ Outcome RunProgram(Build build, const std::vector<std::string>& arguments,
 
 Outcome RunCommand(const std::string& program, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment) {
-  std::vector<char*> argv;
-  argv.push_back(const_cast<char*>(program.c_str()));
-  for (const std::string& argument : arguments)
-    argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
+  std::vector<std::string> words = {program};
+  words.insert(words.end(), arguments.begin(), arguments.end());
   return RunChild([&] {
     setenv("TZ", "UTC", 1);
     for (const std::string& pair : environment) {
       const std::size_t equals = pair.find('=');
       setenv(pair.substr(0, equals).c_str(), pair.substr(equals + 1).c_str(), 1);
     }
-    execv(program.c_str(), argv.data());
+    Execute(words);
   });
 }
 

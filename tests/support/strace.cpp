@@ -1,7 +1,6 @@
 #include "tests/support/strace.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <fstream>
 
@@ -21,17 +20,12 @@ Trace TraceProgram(const std::vector<std::string>& arguments, const std::string&
   if (!inject.empty()) words.push_back("--inject=" + inject);
   words.push_back(ProgramPath(Build::kShipped));
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> argv;
-  argv.reserve(words.size() + 1);
-  for (std::string& word : words)
-    argv.push_back(word.data());
-  argv.push_back(nullptr);
 
   Trace trace;
   trace.outcome = RunChild([&] {
     setenv("TZ", "UTC", 1);
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // leaks cannot be looked for under a tracer
-    execvp("strace", argv.data());
+    Execute(words);
   });
   std::ifstream lines(list);
   std::string line;

@@ -32,12 +32,7 @@ std::string OnConsole(const std::vector<std::string>& arguments) {
   const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (child == 0) {
     setenv("TERM", "xterm", 1);
-    std::vector<char*> argv;
-    argv.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments)
-      argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    execv(argv[0], argv.data());
+    Execute(arguments);
     _exit(127);
   }
   std::string text;
