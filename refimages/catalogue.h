@@ -37,11 +37,18 @@ enum class BootCode {
   kExFat,
 };
 
+inline constexpr std::size_t kBootCodeCount = static_cast<std::size_t>(BootCode::kExFat) + 1;
+
+struct BootCodeDigest {
+  u64 start;  // of the first 64 bytes, as eight little-endian words: their FNV-1a, which rules most codes out
+  Sha256Digest whole;
+};
+
 struct BootCodeRow {
   BootCode code;
-  std::size_t offset;                  // bytes from the start of the sector
-  std::size_t length;                  // bytes
-  std::optional<Sha256Digest> digest;  // none: not known yet, matches nothing
+  std::size_t offset;                    // bytes from the start of the sector
+  std::size_t length;                    // bytes
+  std::optional<BootCodeDigest> digest;  // none: not known yet, matches nothing
 };
 
 // The rows in the order of the enumeration. The tests link rows of their own.
@@ -53,8 +60,12 @@ const BootCodeRow& RowOf(BootCode code);
 // The stretch of the sector that the code would occupy, whatever is there.
 Bytes StretchOf(BootCode code, SectorView sector);
 
-// Whether exactly that code stands in the sector.
+// Whether exactly that code stands in the sector. Of the sector asked about last nothing is computed twice:
+// who identifies a boot sector and the decoder that it is handed to ask the same.
 bool Matches(BootCode code, SectorView sector);
+
+// The digest of a stretch, for a row of it.
+BootCodeDigest DigestOf(Bytes stretch);
 
 }  // namespace trovisk
 

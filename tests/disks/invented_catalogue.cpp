@@ -47,7 +47,7 @@ std::span<const BootCodeRow> BootCodeCatalogue() {
       rows[i] = {kStretches[i].code, kStretches[i].offset, kStretches[i].length, std::nullopt};
     }
     for (BootCodeRow& row : rows)
-      row.digest = Sha256(test::InventedCode(row.code));
+      row.digest = DigestOf(test::InventedCode(row.code));
   }
   return rows;
 }
