@@ -33,6 +33,10 @@ template <std::size_t Size>
 using FixedBytes = std::span<const u8, Size>;
 using SectorView = FixedBytes<512>;
 
+// Descriptions of sectors, names of codes, the disk's path: text that is printed in the C locale's narrow
+// characters.
+using WideText = std::wstring_view;
+
 // The byte at a computed position; 0 outside the view.
 inline u8 U8At(Bytes bytes, u64 position) {
   return position < bytes.size() ? bytes[position] : u8{0};

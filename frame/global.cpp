@@ -1,10 +1,8 @@
 #include "frame/global.h"
 
 #include <cstring>
-#include <iostream>
 
-#include "frame/fields.h"
-#include "frame/report.h"
+#include "frame/report/report.h"
 
 namespace trovisk {
 
@@ -19,17 +17,22 @@ u32 NumberOf(ErrorCode error) {
 
 }  // namespace
 
+void Global::Reset() {
+  Close();
+  bytesPerSector = 0;
+  toc.Clear();
+}
+
 // Before the disk is touched the report is handed over: nothing that was printed waits for a disk that hangs.
 bool Global::Open(WideText path, const char* argument) {
-  FlushReport();
+  report.Flush();
   if (const ErrorCode error = OpenDevice(device_, path, argument); error != 0) {
-    ErrorLine() << "Global::Open: couldn't open " << ToNarrow(path) << " for reading, error "
-                << NumberOf(error) << '\n';
+    errors << "Global::Open: couldn't open " << path << " for reading, error " << NumberOf(error) << '\n';
     return false;
   }
   if (const ErrorCode error = QuerySectorSize(device_, bytesPerSector); error != 0) {
-    ErrorLine() << "Global::Open: couldn't get disk geometry " << ToNarrow(path)
-                << " IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error " << NumberOf(error) << '\n';
+    errors << "Global::Open: couldn't get disk geometry " << path
+           << " IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error " << NumberOf(error) << '\n';
     return false;
   }
   return true;
@@ -38,7 +41,7 @@ bool Global::Open(WideText path, const char* argument) {
 u64 Global::GetLastSector() {
   u64 bytes = 0;
   if (const ErrorCode error = QueryLength(device_, bytes); error != 0) {
-    ErrorLine() << "DeviceIoControl(IOCTL_DISK_GET_LENGTH_INFO failed, error )" << NumberOf(error) << '\n';
+    errors << "DeviceIoControl(IOCTL_DISK_GET_LENGTH_INFO failed, error )" << NumberOf(error) << '\n';
     return ~u64{0};
   }
   if (bytesPerSector == 0) return ~u64{0};
@@ -49,27 +52,26 @@ bool Global::Seek(u64 offset) {
   const auto sector = [&] { return bytesPerSector == 0 ? 0 : offset / bytesPerSector; };
   u64 landed = 0;
   if (const ErrorCode error = SeekDevice(device_, offset, landed); error != 0) {
-    ErrorLine() << "Global::Seek failed to seek to sector " << sector() << ", error " << NumberOf(error)
-                << '\n';
+    errors << "Global::Seek failed to seek to sector " << sector() << ", error " << NumberOf(error) << '\n';
     return false;
   }
   if (landed != offset) {
-    ErrorLine() << "Global::Seek failed to seek to sector " << sector() << '\n';
+    errors << "Global::Seek failed to seek to sector " << sector() << '\n';
     return false;
   }
   return true;
 }
 
 bool Global::ReadExactly(u8* buffer, u64 count) {
-  FlushReport();
+  report.Flush();
   u32 got = 0;
   const u32 wanted = static_cast<u32>(count);
   if (const ErrorCode error = ReadDevice(device_, buffer, wanted, got); error != 0) {
-    ErrorLine() << "Global::Read failed, error " << NumberOf(error) << '\n';
+    errors << "Global::Read failed, error " << NumberOf(error) << '\n';
     return false;
   }
   if (got != wanted) {
-    ErrorLine() << "Global::Read short read, needed " << count << ", got " << got << '\n';
+    errors << "Global::Read short read, needed " << count << ", got " << got << '\n';
     return false;
   }
   return true;
@@ -85,6 +87,16 @@ bool Global::Read(u8* buffer, u64 count) {
 
 bool Global::Close() {
   return !IsOpen(device_) || CloseDevice(device_) == 0;
+}
+
+bool AddTocEntry(Global& global, u64 sector, SectorDecoder decoder, WideText description) {
+  global.toc.Add(sector, sector, decoder, description);
+  return true;
+}
+
+bool AddTocRun(Global& global, u64 first, u64 end, SectorDecoder decoder, WideText description) {
+  if (first < end) global.toc.Add(first, end - 1, decoder, description);
+  return true;
 }
 
 }  // namespace trovisk

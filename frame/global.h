@@ -1,34 +1,29 @@
-// Global, the one disk object: the open disk, its sector size, the sector table of contents and the values
-// that a decoder of one structure leaves for the decoder of another.
+// Global, the one disk object: the open disk, its sector size and the sector table of contents.
 
 #ifndef TROVISK_FRAME_GLOBAL_H
 #define TROVISK_FRAME_GLOBAL_H
 
 #include <vector>
 
-#include "frame/device.h"
+#include "frame/disk/device.h"
 #include "frame/toc.h"
 
 namespace trovisk {
-
-// The ReFS volume whose boot record was decoded last; both zero before the first.
-struct ReFsVolumeContext {
-  u64 volumeSector = 0;       // absolute sector of the volume's boot record
-  u32 sectorsPerCluster = 0;  // as that boot record states it
-};
 
 class Global {
  public:
   u32 bytesPerSector = 0;  // logical sector size; every sector number times this is a byte offset
   SectorToc toc;
-  ReFsVolumeContext refsVolume;
 
   Global() = default;
   Global(const Global&) = delete;
   Global& operator=(const Global&) = delete;
   ~Global() { Close(); }
 
-  // The five operations on the disk. Those that can fail write one line to standard error when they do.
+  // How a run finds it: closed, without a sector size, nothing registered.
+  void Reset();
+
+  // The five operations on the disk. Those that can fail print one error line when they do.
 
   // Opens the disk and learns its sector size. path is the text shown, argument the disk argument in it.
   bool Open(WideText path, const char* argument);
@@ -54,6 +49,13 @@ class Global {
 };
 
 extern Global disk;
+
+// Registers a sector for a decoder; a sector that is registered already keeps its entry. The description is
+// copied. Always true: the table has no limit of its own.
+bool AddTocEntry(Global& global, u64 sector, SectorDecoder decoder, WideText description);
+
+// The same for every sector from first up to, not including, end; none when end <= first.
+bool AddTocRun(Global& global, u64 first, u64 end, SectorDecoder decoder, WideText description);
 
 }  // namespace trovisk
 

@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <optional>
 #include <sstream>
 #include <string>
 
-#include "frame/decode.h"
 #include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
-#include "frame/report.h"
+#include "frame/report/report.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 
 namespace trovisk {
 namespace {
@@ -57,26 +56,26 @@ i64 ParseSector(const char* argument) {
 bool TakeSector(const char* argument, u64 lastOnDisk, i64& sector) {
   sector = ParseSector(argument);
   if (sector < 0 || static_cast<u64>(sector) <= lastOnDisk) return true;
-  ErrorLine() << "There aren't that many sectors on the disk !!\n";
+  errors << "There aren't that many sectors on the disk !!\n";
   return false;
 }
 
 void PrintReadingLine(const Request& request) {
-  std::cout << "Reading " << ToNarrow(request.diskPath);
+  report << "Reading " << request.diskPath;
   if (request.WholeDisk()) {
-    std::cout << " [ whole disk ]";
+    report << " [ whole disk ]";
   } else if (request.SingleSector()) {
-    std::cout << " sector " << request.first;
+    report << " sector " << request.first;
   } else {
-    std::cout << " sectors [ " << request.first << " - " << request.last << " ]";
+    report << " sectors [ " << request.first << " - " << request.last << " ]";
   }
-  std::cout << LineEnd << LineEnd;
+  report << LineEnd << LineEnd;
 }
 
 // Moves the disk to a sector. position is the one that the message names when that fails.
 bool SeekForPass(u64 sector, u64 position) {
   if (SeekToSector(sector)) return true;
-  ErrorLine() << "Failed to seek to sector " << static_cast<i64>(position) << '\n';
+  errors << "Failed to seek to sector " << static_cast<i64>(position) << '\n';
   return false;
 }
 
@@ -89,14 +88,14 @@ u64 Visit(const TocEntry& entry, u64 sector, bool print) {
 
 // Walks the registered sectors in ascending order, those included that the decoders register ahead.
 bool LoadToc(u64 walkLimit) {
-  std::cout << "Loading TOC ..." << LineEnd;
+  report << "Loading TOC ..." << LineEnd;
   for (u64 position = 0; position <= walkLimit && !IsNegative(position);) {
     const auto next = disk.toc.FirstAtOrAfter(position);
     if (!next) break;
     if (!SeekForPass(next->first, position)) return false;
     position = Visit(next->entry, next->first, false);
   }
-  std::cout << LineEnd;
+  report << LineEnd;
   return true;
 }
 
@@ -143,11 +142,6 @@ bool PrintSectors(const Request& request, u64 walkLimit) {
   return true;
 }
 
-// rest: what stands behind the number, line end included.
-void PrintTocRow(u64 sector, std::string_view rest) {
-  PrintLinesInPlace(PutText(PutNumber(RoomForLines(), sector, 10), rest));
-}
-
 // Rows for sectors beyond the end of the disk. A fuzzer's runs have to be short.
 #ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION
 constexpr u64 kRowsBeyondDisk = u64{1} << 8;
@@ -157,24 +151,22 @@ constexpr u64 kRowsBeyondDisk = u64{1} << 24;
 
 // One row per registered sector.
 void PrintToc(u64 lastOnDisk) {
-  std::cout << LineEnd << "\tTable Of Contents" << LineEnd << "\t=================" << LineEnd << LineEnd
-            << "   Sector#\tContents" << LineEnd << "   -------\t--------" << LineEnd;
+  report << LineEnd << "\tTable Of Contents" << LineEnd << "\t=================" << LineEnd << LineEnd
+         << "   Sector#\tContents" << LineEnd << "   -------\t--------" << LineEnd;
   // A damaged entry may register more sectors than the disk has. Those beyond its end (all of them, when its
   // length is unknown) are listed as well, but not without limit: from then on a run shows its ends alone.
   const u64 sectorsOnDisk = lastOnDisk + 1;
   u64 rowsBeyondDisk = 0;
   u64 position = 0;
   while (const auto run = disk.toc.FirstAtOrAfter(position)) {
-    std::string rest = "\t";
-    rest += ToNarrow(run->entry.description);
-    rest += '\n';
+    const std::string description = ToNarrow(run->entry.description);
     for (position = run->first;; ++position) {
       if (position >= sectorsOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->first &&
           position != run->last) {
-        std::cout << "       ..." << LineEnd;
+        report << "       ..." << LineEnd;
         position = run->last;
       }
-      PrintTocRow(position, rest);
+      PrintTocRow(position, description);
       if (position == run->last) break;
     }
     if (++position == 0) break;
@@ -183,7 +175,7 @@ void PrintToc(u64 lastOnDisk) {
 
 int RunOnOpenDisk(Request request, int argc, char** argv) {
   const u64 lastOnDisk = disk.GetLastSector();
-  std::cout << "Last sector on disk is " << lastOnDisk << LineEnd;
+  report << "Last sector on disk is " << lastOnDisk << LineEnd;
   if (argc > 2 && !TakeSector(argv[2], lastOnDisk, request.first)) return 1;
   if (argc > 3 && !TakeSector(argv[3], lastOnDisk, request.last)) return 1;
 
@@ -203,22 +195,31 @@ int RunOnOpenDisk(Request request, int argc, char** argv) {
   return 0;
 }
 
+// Puts back everything that an earlier run in this process has left behind.
+void StartAfresh() {
+  PrepareOutput();
+  report.Start();
+  errors.Start();
+  disk.Reset();
+  ResetVolumesState();
+  ResetGptState();
+  ResetLdmState();
+}
+
 }  // namespace
 
 int Run(int argc, char** argv) {
-  StartReport();
-  std::cout << "Trovisk version "
-            << "1.4"
-            << " built " << __DATE__ << LineEnd << LineEnd;
+  StartAfresh();
+  report << "Trovisk version 1.4 built " << __DATE__ << LineEnd << LineEnd;
   int status = 1;
   if (argc < 2 || argc > 4) {
-    ErrorLine() << "Usage " << (argc > 0 ? argv[0] : "") << " disk# [first_sector#] [LastSector#]\n";
+    errors << "Usage " << (argc > 0 ? argv[0] : "") << " disk# [first_sector#] [LastSector#]\n";
   } else {
     const Request request{DiskPath(argv[1])};
     if (disk.Open(request.diskPath, argv[1])) status = RunOnOpenDisk(request, argc, argv);
     disk.Close();
   }
-  FlushReport();
+  report.Flush();
   return status;
 }
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "frame/global.h"
-
 namespace trovisk {
 namespace {
 
@@ -175,16 +173,6 @@ void SectorToc::AddGap(u64 first, u64 last, std::size_t kind) {
 void SectorToc::Clear() {
   chunks_.clear();
   kinds_.clear();
-}
-
-bool AddTocEntry(Global& global, u64 sector, SectorDecoder decoder, WideText description) {
-  global.toc.Add(sector, sector, decoder, description);
-  return true;
-}
-
-bool AddTocRun(Global& global, u64 first, u64 end, SectorDecoder decoder, WideText description) {
-  if (first < end) global.toc.Add(first, end - 1, decoder, description);
-  return true;
 }
 
 }  // namespace trovisk

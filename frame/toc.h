@@ -22,8 +22,6 @@
 
 namespace trovisk {
 
-using WideText = std::wstring_view;
-
 // A decoder loads and prints the structure at one sector.
 //
 // It is entered with the disk at the first byte of that sector (sector: absolute, in units of the disk's
@@ -86,15 +84,6 @@ class SectorToc {
   Chunks chunks_;
   std::deque<Kind> kinds_;  // a deque, so that the views handed out stay valid as it grows
 };
-
-class Global;
-
-// Registers a sector for a decoder; a sector that is registered already keeps its entry. The description is
-// copied. Always true: the table has no limit of its own.
-bool AddTocEntry(Global& global, u64 sector, SectorDecoder decoder, WideText description);
-
-// The same for every sector from first up to, not including, end; none when end <= first.
-bool AddTocRun(Global& global, u64 first, u64 end, SectorDecoder decoder, WideText description);
 
 }  // namespace trovisk
 

@@ -7,15 +7,13 @@
 // 59 on are those of Microsoft's own partition types.
 // Not checked: extents, which are shown and registered as found; the header's entry count; the CRC.
 
-#include <iostream>
 #include <vector>
 
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
 #include "frame/guid.h"
-#include "frame/names.h"
+#include "frame/report/names.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "gpt/gpt_state.h"
 
 namespace trovisk {
@@ -69,45 +67,45 @@ constexpr KnownPartition kKnownPartitions[] = {
 };
 
 void PrintAttributes(u64 attributes) {
-  std::cout << "\tAttributes            : ";
+  report << "\tAttributes            : ";
   for (const AttributeName& attribute : kAttributeNames) {
-    if ((attributes >> attribute.bit & 1) != 0) std::cout << attribute.name;
+    if ((attributes >> attribute.bit & 1) != 0) report << attribute.name;
   }
-  if (attributes == 0) std::cout << "None";
-  std::cout << LineEnd;
+  if (attributes == 0) report << "None";
+  report << LineEnd;
 }
 
 // The whole field, with what stands behind its first NUL; nothing when it begins with one.
 void PrintName(FixedBytes<kNameSize> name) {
-  std::cout << "\tPartition Name        : [";
+  report << "\tPartition Name        : [";
   if (Le16<0>(name) != 0) PrintUtf16(name);
-  std::cout << " ]" << LineEnd;
+  report << " ]" << LineEnd;
 }
 
 void PrintReport(EntryView entry) {
   const auto type = Part<kTypeGuid, 16>(entry);
-  std::cout << "\tPartition Type GUID   : { ";
+  report << "\tPartition Type GUID   : { ";
   PrintGuid(type);
-  std::cout << " }" << LineEnd;
-  std::cout << "\tPartition Type        : [ " << ToNarrow(GptTypeName(type)) << " ]" << LineEnd;
+  report << " }" << LineEnd;
+  report << "\tPartition Type        : [ " << GptTypeName(type) << " ]" << LineEnd;
   if (AllZero(type)) {
-    std::cout << LineEnd;
+    report << LineEnd;
     return;
   }
-  std::cout << "\tPartition Unique GUID : { ";
+  report << "\tPartition Unique GUID : { ";
   PrintGuid(Part<kUniqueGuid, 16>(entry));
-  std::cout << " }" << LineEnd;
+  report << " }" << LineEnd;
 
   const u64 first = Le64<kStartingLba>(entry);
   const u64 last = Le64<kEndingLba>(entry);
-  std::cout << "\tStarting LBA          : " << first << LineEnd;
-  std::cout << "\tEnding LBA            : " << last << LineEnd;
+  report << "\tStarting LBA          : " << first << LineEnd;
+  report << "\tEnding LBA            : " << last << LineEnd;
   // Wraps where the end lies before the start, and where there are more bytes than 64 bits can say.
   const u64 bytes = (last - first + 1) * disk.bytesPerSector;
-  std::cout << "\tPartition Size        : " << (bytes >> 20) << " (MiB)" << LineEnd;
+  report << "\tPartition Size        : " << (bytes >> 20) << " (MiB)" << LineEnd;
   PrintAttributes(Le64<kAttributes>(entry));
   PrintName(Part<kName, kNameSize>(entry));
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 // Finds nothing in an unused entry.
@@ -125,10 +123,7 @@ void Register(EntryView entry) {
 }  // namespace
 
 u64 DecodeGptEntries(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
+  PrintOpening(description, sector, print, Below::kEmptyLine);
   std::vector<u8> buffer(disk.bytesPerSector);
   if (!ReadRecord(buffer)) return kEndPass;
 

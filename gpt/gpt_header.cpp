@@ -6,14 +6,10 @@
 // Checked: the signature. Not checked: either CRC, revision, sizes, and whether the sectors that it names
 // lie on the disk.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "gpt/gpt_state.h"
 
 namespace trovisk {
@@ -35,18 +31,21 @@ constexpr std::size_t kEntriesCrc = 0x58;   // u32
 constexpr std::size_t kInterpreted = 0x5C;  // bytes; the rest is reserved
 
 constexpr FieldRow kFields[] = {
-    {"Header Size                 : ", kHeaderSize, Format::kLe32, 4, " (bytes)"},
-    {"CRC32 Checksum              : 0x", kHeaderCrc, Format::kReversedHexBytes, 4},
-    {"Primary Header LBA          : ", kOwnLba, Format::kLe64},
-    {"Backup Header LBA           : ", kOtherLba, Format::kLe64},
-    {"First Usable LBA            : ", kFirstUsable, Format::kLe64},
-    {"Last Usable LBA             : ", kLastUsable, Format::kLe64},
-    {"Disk GUID                   : { ", kDiskGuid, Format::kGuid, 16, " }"},
-    {"Number Of Partition Entries : ", kEntryCount, Format::kLe32},
-    {"Size Of A Partition Entry   : ", kEntrySize, Format::kLe32, 4, " (bytes)"},
-    {"First Partition Entry LBA   : ", kEntriesLba, Format::kLe64},
+    {"Header Size                 : ", kHeaderSize, kLe32, " (bytes)"},
+    {"CRC32 Checksum              : 0x", kHeaderCrc, ReversedHexBytes(4)},
+    {"Primary Header LBA          : ", kOwnLba, kLe64},
+    {"Backup Header LBA           : ", kOtherLba, kLe64},
+    {"First Usable LBA            : ", kFirstUsable, kLe64},
+    {"Last Usable LBA             : ", kLastUsable, kLe64},
+    {"Disk GUID                   : { ", kDiskGuid, kGuidText, " }"},
+    {"Number Of Partition Entries : ", kEntryCount, kLe32},
+    {"Size Of A Partition Entry   : ", kEntrySize, kLe32, " (bytes)"},
+    {"First Partition Entry LBA   : ", kEntriesLba, kLe64},
 };
-static_assert(FieldsFit(kFields, kInterpreted));
+constexpr FieldRow kEntriesCrcRow[] = {
+    {"Partition Entry CRC32       : 0x", kEntriesCrc, ReversedHexBytes(4)},
+};
+static_assert(FieldsFit(kFields, kInterpreted) && FieldsFit(kEntriesCrcRow, kInterpreted));
 
 // The revision as one number. The weights are this report's own: revision 1.0, bytes 00 00 01 00, gives 10.
 double RevisionNumber(FixedBytes<4> revision) {
@@ -62,29 +61,23 @@ u64 LastEntrySector(SectorView header) {
 }
 
 void PrintReport(SectorView header) {
-  std::cout << "Magic Number                : [EFI PART]" << LineEnd;
-  std::cout << "Revision                    : " << RevisionNumber(Part<kRevision, 4>(header)) << LineEnd;
+  report << "Magic Number                : [EFI PART]" << LineEnd;
+  report << "Revision                    : ";
+  PrintFraction(RevisionNumber(Part<kRevision, 4>(header)));
+  report << LineEnd;
   PrintFields(header, kFields);
-  std::cout << "Last Partitition Entry LBA  : " << LastGptEntrySector << LineEnd;
-  std::cout << "Partition Entry CRC32       : 0x";
-  PrintReversedHexBytes(Part<kEntriesCrc, 4>(header));
-  std::cout << LineEnd << LineEnd;
+  report << "Last Partitition Entry LBA  : " << LastGptEntrySector << LineEnd;
+  PrintFields(header, kEntriesCrcRow);
+  report << LineEnd;
 }
 
 }  // namespace
 
 u64 DecodeGptHeader(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
-  std::array<u8, 512> record{};
-  if (!ReadRecord(record)) return kEndPass;
-  const SectorView header(record);
-  if (!EqualsText(Part<kSignature, 8>(header), "EFI PART")) {
-    ErrorLine() << "**** No EFI magic found ****\n";
-    return kEndPass;
-  }
+  const auto record = OpenRecord(description, sector, print, Below::kEmptyLine);
+  if (!record) return kEndPass;
+  const SectorView header(*record);
+  if (!CheckSignature(Part<kSignature, 8>(header), "EFI PART", "EFI")) return kEndPass;
 
   LastGptEntrySector = LastEntrySector(header);
   if (print) PrintReport(header);

@@ -1,4 +1,4 @@
-// What the GPT header tells the decoder of the partition entries.
+// What the GPT header tells the decoder of the partition entries. ResetGptState puts it back.
 
 #ifndef TROVISK_GPT_GPT_STATE_H
 #define TROVISK_GPT_GPT_STATE_H
@@ -9,7 +9,7 @@ namespace trovisk {
 
 // The last sector of the partition entry array of the header decoded most recently, primary or backup;
 // 0 before the first.
-inline u64 LastGptEntrySector = 0;
+extern u64 LastGptEntrySector;
 
 }  // namespace trovisk
 

@@ -1,5 +1,5 @@
 // What one structure of a dynamic disk's configuration tells the decoders of the next. Each value is that of
-// the structure decoded last, in either pass; all are zero before the first.
+// the structure decoded last, in either pass; all are zero before the first. ResetLdmState puts them back.
 
 #ifndef TROVISK_LDM_LDM_STATE_H
 #define TROVISK_LDM_LDM_STATE_H

@@ -5,14 +5,10 @@
 // Layout: the Linux-NTFS project's LDM documentation, "PRIVHEAD".
 // Checked: the signature. Not checked: every extent, which is registered as found.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/field_table.h"
+#include "frame/report/report.h"
+#include "frame/sector.h"
 #include "ldm/ldm_state.h"
 
 namespace trovisk {
@@ -43,40 +39,35 @@ constexpr std::size_t kDiskSignature = 0x163;  // 4 bytes
 constexpr std::size_t kDiskSetId = 0x167;      // 16 bytes in the order in which they are shown
 constexpr std::size_t kDiskSetIdCopy = 0x177;
 
-constexpr FieldRow kVersionRows[] = {
-    {"Sequence                   : ", kSequence, Format::kBe32},
-    {"Major Number               : 0x", kMajorVersion, Format::kHexBytes, 2},
-    {"Minor Number               : 0x", kMinorVersion, Format::kHexBytes, 2},
+constexpr FieldRow kFields[] = {
+    {"Sequence                   : ", kSequence, kBe32},
+    {"Major Number               : 0x", kMajorVersion, HexBytes(2)},
+    {"Minor Number               : 0x", kMinorVersion, HexBytes(2)},
+    {"Timestamp                  : ", kTimestamp, kBeFileTime},
+    {"Disk ID GUID               : {", kDiskId, Chars(64), "}"},
+    {"Host ID GUID               : {", kHostId, Chars(64), "}"},
+    {"Disk Group ID GUID         : {", kGroupId, Chars(64), "}"},
+    {"Disk Group Name            : [", kGroupName, Chars(32), "]"},
+    {"Logical Disk Start Sector  : ", kLogicalStart, kBe64},
+    {"Logical Disk End Sector    : ", kLogicalEnd, kBe64},
+    {"Configuration Start Sector : ", kConfigStart, kBe64},
+    {"Configuration Size         : ", kConfigSize, kBe64, " (sectors)"},
+    {"Number of TOCs             : ", kTocCount, kBe64},
+    {"Size of TOC                : ", kTocSize, kBe64, " (sectors)"},
+    {"Number of Configs.         : ", kConfigCount, kBe32},
+    {"Size of Config.            : ", kConfigRegionSize, kBe64, " (sectors)"},
+    {"Number of Logs             : ", kLogCount, kBe32},
+    {"Size of Log                : ", kLogRegionSize, kBe64, " (sectors)"},
+    {"Disk Signature             : 0x", kDiskSignature, HexBytes(4)},
+    {"Disk Set GUID              : {", kDiskSetId, kStoredGuidText, "}"},
+    {"Disk Set GUID (copy?)      : {", kDiskSetIdCopy, kStoredGuidText, "}"},
 };
-constexpr FieldRow kIdentityRows[] = {
-    {"Disk ID GUID               : {", kDiskId, Format::kChars, 64, "}"},
-    {"Host ID GUID               : {", kHostId, Format::kChars, 64, "}"},
-    {"Disk Group ID GUID         : {", kGroupId, Format::kChars, 64, "}"},
-    {"Disk Group Name            : [", kGroupName, Format::kChars, 32, "]"},
-    {"Logical Disk Start Sector  : ", kLogicalStart, Format::kBe64},
-    {"Logical Disk End Sector    : ", kLogicalEnd, Format::kBe64},
-    {"Configuration Start Sector : ", kConfigStart, Format::kBe64},
-    {"Configuration Size         : ", kConfigSize, Format::kBe64, 0, " (sectors)"},
-    {"Number of TOCs             : ", kTocCount, Format::kBe64},
-    {"Size of TOC                : ", kTocSize, Format::kBe64, 0, " (sectors)"},
-    {"Number of Configs.         : ", kConfigCount, Format::kBe32},
-    {"Size of Config.            : ", kConfigRegionSize, Format::kBe64, 0, " (sectors)"},
-    {"Number of Logs             : ", kLogCount, Format::kBe32},
-    {"Size of Log                : ", kLogRegionSize, Format::kBe64, 0, " (sectors)"},
-    {"Disk Signature             : 0x", kDiskSignature, Format::kHexBytes, 4},
-    {"Disk Set GUID              : {", kDiskSetId, Format::kStoredGuid, 0, "}"},
-    {"Disk Set GUID (copy?)      : {", kDiskSetIdCopy, Format::kStoredGuid, 0, "}"},
-};
-static_assert(FieldsFit(kVersionRows, 512) && FieldsFit(kIdentityRows, 512));
+static_assert(FieldsFit(kFields, 512));
 
 void PrintReport(SectorView header) {
-  std::cout << "Magic Number               : [PRIVHEAD]" << LineEnd;
-  PrintFields(header, kVersionRows);
-  std::cout << "Timestamp                  : ";
-  PrintFileTime(Be64<kTimestamp>(header));
-  std::cout << LineEnd;
-  PrintFields(header, kIdentityRows);
-  std::cout << LineEnd;
+  report << "Magic Number               : [PRIVHEAD]" << LineEnd;
+  PrintFields(header, kFields);
+  report << LineEnd;
 }
 
 bool IsVersion2Point12(SectorView header) {
@@ -93,7 +84,7 @@ void RegisterTocBlocks(SectorView header, bool print) {
   const std::size_t first = innerOnly ? 1 : 0;
   const std::size_t end = innerOnly ? 3 : 4;
   for (std::size_t i = first; i < end; ++i) {
-    if (print) std::cout << "TOC #" << i + 1 << " starts @ sector     : " << candidates[i] << LineEnd;
+    if (print) report << "TOC #" << i + 1 << " starts @ sector     : " << candidates[i] << LineEnd;
     AddTocEntry(disk, candidates[i], DecodeTocBlock, L"TOC Sector");
   }
 }
@@ -101,34 +92,24 @@ void RegisterTocBlocks(SectorView header, bool print) {
 }  // namespace
 
 u64 DecodePrivhead(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
-  std::array<u8, 512> buffer{};
-  if (!ReadRecord(buffer)) return kEndPass;
-  const SectorView header(buffer);
-  if (!EqualsText(Part<kSignature, 8>(header), "PRIVHEAD")) {
-    ErrorLine() << "**** No PRIVHEAD magic found ****\n";
-    return kEndPass;
-  }
+  const auto buffer = OpenRecord(description, sector, print, Below::kEmptyLine);
+  if (!buffer) return kEndPass;
+  const SectorView header(*buffer);
+  if (!CheckSignature(Part<kSignature, 8>(header), "PRIVHEAD", "PRIVHEAD")) return kEndPass;
 
   if (print) PrintReport(header);
   LdmConfigStartSector = Be64<kConfigStart>(header);
   const u64 alternate1 = LdmConfigStartSector + Be64<kAlternate1>(header);
   const u64 alternate2 = LdmConfigStartSector + Be64<kAlternate2>(header);
   if (print) {
-    std::cout << "Alt. PRIVHEAD #1 @ sector  : " << alternate1 << LineEnd;
-    std::cout << "Alt. PRIVHEAD #2 @ sector  : " << alternate2 << LineEnd << LineEnd;
+    report << "Alt. PRIVHEAD #1 @ sector  : " << alternate1 << LineEnd;
+    report << "Alt. PRIVHEAD #2 @ sector  : " << alternate2 << LineEnd << LineEnd;
   }
   RegisterTocBlocks(header, print);
-  std::cout << LineEnd;  // in the loading pass too
+  report << LineEnd;  // in the loading pass too
   AddTocEntry(disk, alternate1, DecodePrivhead, L"Alternate PRIVHEAD Sector");
   AddTocEntry(disk, alternate2, DecodePrivhead, L"Alternate PRIVHEAD Sector");
-
-  if (!SeekToSector(sector)) return kEndPass;
-  DumpRawSector(L"as a raw sector", sector, print);
-  return sector + 1;
+  return DumpAsRawSectorAndGoOn(sector, print);
 }
 
 }  // namespace trovisk

@@ -4,14 +4,10 @@
 // relative to the configuration start. Layout: the Linux-NTFS project's LDM documentation, "TOCBLOCK".
 // Checked: the signature. Not checked: the regions' extents, which are registered as found.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "ldm/ldm_state.h"
 
 namespace trovisk {
@@ -32,36 +28,42 @@ constexpr std::size_t kLogSize = 88;
 constexpr std::size_t kLogNumber = 96;
 
 constexpr FieldRow kSequenceRows[] = {
-    {"Sequence#1                 : ", kSequence1, Format::kBe32, 0, " (purpose unknown)"},
-    {"Sequence#2                 : ", kSequence2, Format::kBe32, 0, " (purpose unknown)"},
+    {"Sequence#1                 : ", kSequence1, kBe32, " (purpose unknown)"},
+    {"Sequence#2                 : ", kSequence2, kBe32, " (purpose unknown)"},
 };
 constexpr FieldRow kConfigRows[] = {
-    {"Config. Name               : [)", kConfigName, Format::kChars, 8, "]"},
-    {"Config. Flags              : 0x", kConfigFlags, Format::kHexBytes, 2},
-    {"Config. Start Sector (rel) : ", kConfigStart, Format::kBe64},
-    {"Config. Size               : ", kConfigSize, Format::kBe64, 0, " (sectors)"},
+    {"Config. Name               : [)", kConfigName, Chars(8), "]"},
+    {"Config. Flags              : 0x", kConfigFlags, HexBytes(2)},
+    {"Config. Start Sector (rel) : ", kConfigStart, kBe64},
+    {"Config. Size               : ", kConfigSize, kBe64, " (sectors)"},
 };
 constexpr FieldRow kLogRows[] = {
-    {"Log Name                   : [", kLogName, Format::kChars, 8, "]"},
-    {"Log Flags                  : 0x", kLogFlags, Format::kHexBytes, 2},
-    {"Log Start Sector (rel)     : ", kLogStart, Format::kBe64},
-    {"Log Size                   : ", kLogSize, Format::kBe64, 0, " (sectors)"},
+    {"Log Name                   : [", kLogName, Chars(8), "]"},
+    {"Log Flags                  : 0x", kLogFlags, HexBytes(2)},
+    {"Log Start Sector (rel)     : ", kLogStart, kBe64},
+    {"Log Size                   : ", kLogSize, kBe64, " (sectors)"},
 };
 static_assert(FieldsFit(kSequenceRows, 512) && FieldsFit(kConfigRows, 512) && FieldsFit(kLogRows, 512));
 
 void PrintNumberOrTime(std::string_view label, u64 value) {
-  std::cout << label << value << " / ";
+  report << label << value << " / ";
   PrintFileTime(value);
-  std::cout << LineEnd;
+  report << LineEnd;
+}
+
+// Only the printing pass says what is missing.
+bool HasSignature(SectorView toc, bool print) {
+  const auto stored = Part<kSignature, 8>(toc);
+  return print ? CheckSignature(stored, "TOCBLOCK", "TOC") : EqualsText(stored, "TOCBLOCK");
 }
 
 void PrintReport(SectorView toc) {
-  std::cout << "Magic Number               : [TOCBLOCK]" << LineEnd;
+  report << "Magic Number               : [TOCBLOCK]" << LineEnd;
   PrintFields(toc, kSequenceRows);
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintFields(toc, kConfigRows);
   PrintNumberOrTime("Config. Number/Timestamp?  : ", Be64<kConfigNumber>(toc));
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintFields(toc, kLogRows);
   PrintNumberOrTime("Log Number/Timestamp?      : ", Be64<kLogNumber>(toc));
 }
@@ -69,31 +71,23 @@ void PrintReport(SectorView toc) {
 }  // namespace
 
 u64 DecodeTocBlock(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
-  std::array<u8, 512> buffer{};
-  if (!ReadRecord(buffer)) return kEndPass;
-  const SectorView toc(buffer);
-  if (!EqualsText(Part<kSignature, 8>(toc), "TOCBLOCK")) {
-    // A place where a copy may stand; not every disk has one there.
-    if (print) ErrorLine() << "**** No TOC magic found ****\n";
-    AddTocEntry(disk, sector, DumpRawSector, L"Raw TOC Sector");
-    return sector + 1;
-  }
+  const auto buffer = OpenRecord(description, sector, print, Below::kEmptyLine);
+  if (!buffer) return kEndPass;
+  const SectorView toc(*buffer);
+  // A place where a copy may stand; not every disk has one there.
+  if (!HasSignature(toc, print)) return sector + 1;
 
   if (print) PrintReport(toc);
   const u64 vmdb = LdmConfigStartSector + Be64<kConfigStart>(toc);
   LdmVblkEndSector = vmdb - 1 + Be64<kConfigSize>(toc);
   LdmKlogStartSector = LdmConfigStartSector + Be64<kLogStart>(toc);
   if (print) {
-    std::cout << LineEnd;
-    std::cout << "VMDB starts @ sector       : " << vmdb << LineEnd;
-    std::cout << "VBLKs start @ sector       : " << vmdb + 1 << LineEnd;
-    std::cout << "VBLKs end @ sector         : " << LdmVblkEndSector << LineEnd;
-    std::cout << "KLOGs start @ sector       : " << LdmKlogStartSector << LineEnd;
-    std::cout << LineEnd;
+    report << LineEnd;
+    report << "VMDB starts @ sector       : " << vmdb << LineEnd;
+    report << "VBLKs start @ sector       : " << vmdb + 1 << LineEnd;
+    report << "VBLKs end @ sector         : " << LdmVblkEndSector << LineEnd;
+    report << "KLOGs start @ sector       : " << LdmKlogStartSector << LineEnd;
+    report << LineEnd;
   }
   AddTocEntry(disk, vmdb, DecodeVmdb, L"VMDB Sector");
   AddTocEntry(disk, vmdb + 1, DecodeVblk, L"VBLK Sector");

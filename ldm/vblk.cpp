@@ -6,13 +6,10 @@
 // empty. Not checked: the length of the data, which may lead beyond the slot and is followed to the sector's
 // end.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "ldm/ldm_state.h"
 #include "ldm/vblk_fields.h"
 #include "ldm/vblk_records.h"
@@ -35,6 +32,27 @@ constexpr std::size_t kDataLength = 20;    // u32
 constexpr std::size_t kData = 24;
 
 using SlotView = FixedBytes<kSlotSize>;
+
+// One that is not listed is shown last byte first, although the field is big-endian.
+constexpr ValueName kUpdateStatuses[] = {
+    {0, "[Consistent]"},
+    {1, "[Active, about to be deleted]"},
+    {2, "[Created, but not yet active]"},
+};
+
+constexpr FieldRow kNumberRows[] = {
+    {"Sequence      : ", kSequence, kBe32},
+    {"Group Number  : ", kGroup, kBe32},
+};
+constexpr FieldRow kStatusRow[] = {
+    {"Update Status : ", kUpdateStatus, Named(2, kUpdateStatuses, "[Unknown ")},
+};
+constexpr FieldRow kFlagsAndLengthRows[] = {
+    {"Flags         : 0x", kFlags, HexBytes(1)},
+    {"Data Length   : ", kDataLength, kBe32},
+};
+static_assert(FieldsFit(kNumberRows, kSlotSize) && FieldsFit(kStatusRow, kSlotSize) &&
+              FieldsFit(kFlagsAndLengthRows, kSlotSize));
 
 struct RecordType {
   u8 code;
@@ -60,87 +78,55 @@ bool IsEmpty(SectorView sector) {
   return true;
 }
 
-void PrintUpdateStatus(FixedBytes<2> status) {
-  std::cout << "Update Status : ";
-  switch (Be16<0>(status)) {
-    case 0:
-      std::cout << "[Consistent]";
-      break;
-    case 1:
-      std::cout << "[Active, about to be deleted]";
-      break;
-    case 2:
-      std::cout << "[Created, but not yet active]";
-      break;
-    default:  // shown last byte first, although the field is big-endian
-      std::cout << "[Unknown ";
-      PrintReversedHexBytes(status);
-      break;
-  }
-  std::cout << LineEnd;
-}
-
 void PrintTypeBlock(u8 code, Bytes data, u8 flags) {
-  std::cout << "Record Type   : ";
+  report << "Record Type   : ";
   for (const RecordType& type : kRecordTypes) {
     if (type.code != code) continue;
-    std::cout << type.name << LineEnd;
+    report << type.name << LineEnd;
     type.print(data, flags);
     return;
   }
-  std::cout << "[Unknown type 0x";
+  report << "[Unknown type 0x";
   PrintHexByte(code);
-  std::cout << "]" << LineEnd;
+  report << "]" << LineEnd;
 }
 
 void PrintData(Bytes data) {
-  std::cout << "Data          : ";
-  for (std::size_t i = 0; i < data.size(); ++i) {
-    if (i != 0 && i % 16 == 0) std::cout << LineEnd << "                ";
-    PrintHexByte(data[i]);
-    std::cout << " ";
-  }
-  std::cout << LineEnd << LineEnd;
+  report << "Data          : ";
+  PrintSpacedHexBytes(data, "                ");
+  report << LineEnd << LineEnd;
 }
 
 // data: from the slot's first data byte to the sector's end.
 void PrintRecord(SlotView slot, Bytes data) {
-  std::cout << "Magic Number  : [VBLK]" << LineEnd;
-  PrintNumberLine("Sequence      : ", Be32<kSequence>(slot));
-  PrintNumberLine("Group Number  : ", Be32<kGroup>(slot));
+  report << "Magic Number  : [VBLK]" << LineEnd;
+  PrintFields(slot, kNumberRows);
   const u16 count = Be16<kRecordCount>(slot);
   const u16 number = static_cast<u16>(Be16<kRecordNumber>(slot) + (count != 0 ? 1 : 0));
-  std::cout << "Record        : " << number << " of " << count;
+  report << "Record        : " << number << " of " << count;
   if (count != 0 && number != 1) {
-    std::cout << " [Extended VBLK]" << LineEnd << LineEnd;
+    report << " [Extended VBLK]" << LineEnd << LineEnd;
     return;
   }
-  std::cout << LineEnd;
-  PrintUpdateStatus(Part<kUpdateStatus, 2>(slot));
+  report << LineEnd;
+  PrintFields(slot, kStatusRow);
   PrintTypeBlock(U8<kType>(slot), data, U8<kFlags>(slot));
-  std::cout << "Flags         : 0x";
-  PrintHexByte(U8<kFlags>(slot));
-  std::cout << LineEnd;
-  PrintNumberLine("Data Length   : ", Be32<kDataLength>(slot));
+  PrintFields(slot, kFlagsAndLengthRows);
   PrintData(SliceAt(data, 0, Be32<kDataLength>(slot)));
 }
 
 }  // namespace
 
 u64 DecodeVblk(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
-  std::array<u8, 512> buffer{};
-  if (!ReadRecord(buffer)) return kEndPass;
-  const SectorView slots(buffer);
+  const auto buffer = OpenRecord(description, sector, print, Below::kEmptyLine);
+  if (!buffer) return kEndPass;
+  const SectorView slots(*buffer);
 
   const std::size_t used = IsEmpty(slots) ? 0 : kSlotCount;
   for (std::size_t i = 0; i < used; ++i) {
     const SlotView slot = Slot(slots, i);
     if (!EqualsText(Part<kSignature, 4>(slot), "VBLK")) {
-      ErrorLine() << "**** Entry #" << i + 1 << " No VBLK magic found ****\n";
+      errors << "**** Entry #" << i + 1 << " No VBLK magic found ****\n";
       return kEndPass;
     }
     if (print && U8<kType>(slot) != 0) PrintRecord(slot, FromAt(slots, i * kSlotSize + kData));

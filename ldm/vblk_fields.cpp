@@ -1,9 +1,7 @@
 #include "ldm/vblk_fields.h"
 
-#include <iostream>
-
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/verbs.h"
 
 namespace trovisk {
 
@@ -21,31 +19,31 @@ u64 FieldCursor::Number(u64 width) {
 }
 
 void PrintTextLine(std::string_view label, Bytes text, std::string_view suffix) {
-  std::cout << label;
+  report << label;
   PrintChars(text);
-  std::cout << suffix << LineEnd;
+  report << suffix << LineEnd;
 }
 
 void PrintIdentifierLine(std::string_view label, Bytes identifier) {
-  std::cout << label;
+  report << label;
   PrintHexBytes(identifier);
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintNumberLine(std::string_view label, u64 number, std::string_view suffix) {
-  std::cout << label << number << suffix << LineEnd;
+  report << label << number << suffix << LineEnd;
 }
 
 void PrintGuidLine(std::string_view label, Bytes guid) {
-  std::cout << label;
+  report << label;
   PrintStoredGuid(guid);
-  std::cout << " }" << LineEnd;
+  report << " }" << LineEnd;
 }
 
 void PrintSizeLine(std::string_view label, u64 sectors) {
-  std::cout << label << "0x";
+  report << label << "0x";
   PrintHex(sectors, 0);
-  std::cout << " (" << (disk.bytesPerSector * sectors >> 20) << " MiB)" << LineEnd;
+  report << " (" << (disk.bytesPerSector * sectors >> 20) << " MiB)" << LineEnd;
 }
 
 }  // namespace trovisk

@@ -6,9 +6,8 @@
 #include "ldm/vblk_records.h"
 
 #include <algorithm>
-#include <iostream>
 
-#include "frame/fields.h"
+#include "frame/report/verbs.h"
 #include "ldm/vblk_fields.h"
 
 namespace trovisk {
@@ -25,7 +24,7 @@ constexpr u64 kAlternateNameEnd = 92;
 
 void PrintComponent(Bytes data, u8 flags) {
   FieldCursor fields(data, FirstField(flags));
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("VBLK Component (0x32)", "\t");
   PrintIdentifierLine("\tObject Id.          : 0x", fields.Sized());
   PrintTextLine("\tName                : [ ", fields.Sized());
@@ -43,12 +42,12 @@ void PrintComponent(Bytes data, u8 flags) {
     fields.Skip(length);  // the number of columns is looked for as far behind the stripe size as this is long
     PrintNumberLine("\tNumber Of Columns   : ", fields.SizedNumber());
   }
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintPartition(Bytes data, u8 flags) {
   FieldCursor fields(data, FirstField(flags));
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("VBLK Partition", "\t");
   PrintIdentifierLine("\tObject Id.          : 0x", fields.Sized());
   PrintTextLine("\tName                : [ ", fields.Sized());
@@ -60,12 +59,12 @@ void PrintPartition(Bytes data, u8 flags) {
   PrintIdentifierLine("\tParent's Object Id. : 0x", fields.Sized());
   PrintIdentifierLine("\tDisk's Object Id.   : 0x", fields.Sized());
   if (flags == kPartitionIndexed) PrintNumberLine("\tComponent Part Idx  : ", fields.SizedNumber());
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintDiskForm1(Bytes data, u8 /*flags*/) {
   FieldCursor fields(data, 0);
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("VBLK Disk (0x34)", "\t");
   PrintIdentifierLine("\tObject Id.         : 0x", fields.Sized());
   PrintTextLine("\tName               : [ ", fields.Sized());
@@ -77,12 +76,12 @@ void PrintDiskForm1(Bytes data, u8 /*flags*/) {
     fields.Skip(4);
     PrintNumberLine("\tLog Commit Id.     : ", fields.Number(8));
   }
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintDiskForm2(Bytes data, u8 /*flags*/) {
   FieldCursor fields(data, 0);
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("VBLK Disk (0x44)", "\t");
   PrintIdentifierLine("\tObject Id.         : 0x", fields.Sized());
   PrintTextLine("\tName               : [ ", fields.Sized());
@@ -91,12 +90,12 @@ void PrintDiskForm2(Bytes data, u8 /*flags*/) {
   fields.Skip(3);
   PrintNumberLine("\tId.?               : ", fields.Number(2));
   PrintNumberLine("\tLog Commit Id.     : ", fields.Number(8));
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintDiskGroupForm1(Bytes data, u8 /*flags*/) {
   FieldCursor fields(data, 0);
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("VBLK Disk Group (0x35)", "\t");
   PrintIdentifierLine("\tObject Id.         : 0x", fields.Sized());
   PrintTextLine("\tName               : [ ", fields.Sized());
@@ -107,12 +106,12 @@ void PrintDiskGroupForm1(Bytes data, u8 /*flags*/) {
   PrintNumberLine("\tUnknown            : 0xFF x ", count);
   fields.Skip(count);
   PrintNumberLine("\tUnknown            : 0xFF x ", fields.Byte());
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintDiskGroupForm2(Bytes data, u8 /*flags*/) {
   FieldCursor fields(data, 0);
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("VBLK Disk Group (0x45)", "\t");
   PrintIdentifierLine("\tObject Id.         : 0x", fields.Sized());
   PrintTextLine("\tName               : [ ", fields.Sized());
@@ -126,7 +125,7 @@ void PrintDiskGroupForm2(Bytes data, u8 /*flags*/) {
   const u8 secondCount = fields.Byte();  // of bytes that follow, all alike
   const bool zeros = fields.Byte() == 0;
   PrintNumberLine(zeros ? "\tUnknown            : 0x00 x " : "\tUnknown            : 0xFF x ", secondCount);
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 }  // namespace trovisk

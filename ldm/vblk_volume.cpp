@@ -4,10 +4,11 @@
 // when a flag is set. Layout: the Linux-NTFS project's LDM documentation, "VBLK". Nothing is checked:
 // lengths are trusted up to the sector's end.
 
-#include <iostream>
+#include <array>
 
-#include "frame/fields.h"
-#include "frame/names.h"
+#include "frame/report/field_table.h"
+#include "frame/report/names.h"
+#include "frame/report/verbs.h"
 #include "ldm/vblk_fields.h"
 #include "ldm/vblk_records.h"
 
@@ -25,63 +26,57 @@ constexpr u64 kStateSize = 14;  // the one text without a length byte
 void PrintAttributes(FieldCursor& fields) {
   const u8 count = fields.Byte();
   if (count == 0) return;
-  std::cout << "\tAttributes         :";
+  report << "\tAttributes         :";
   for (const u8 attribute : fields.Take(count)) {
-    std::cout << " 0x";
+    report << " 0x";
     PrintHexByte(attribute);
   }
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
-void PrintNormalOrRaid(std::string_view label, u8 value, u8 normal, u8 raid) {
-  std::cout << label;
-  if (value == normal) {
-    std::cout << "[ Normal ]";
-  } else if (value == raid) {
-    std::cout << "[ RAID ]";
-  } else {
-    std::cout << "0x";
-    PrintHexByte(value);
-  }
-  std::cout << LineEnd;
+constexpr ValueName kVolumeTypes[] = {{0x03, "[ Normal ]"}, {0x04, "[ RAID ]"}};
+constexpr ValueName kVolumeFlags[] = {{0x11, "[ Normal ]"}, {0x13, "[ RAID ]"}};
+
+void PrintNamedByte(std::string_view label, u8 byte, std::span<const ValueName> names) {
+  PrintFields(Bytes(&byte, 1), std::array{FieldRow{label, 0, Named(1, names, "0x")}});
 }
 
 // A number behind a length byte; no line when that is zero.
 void PrintUnknownNumber(FieldCursor& fields) {
   const u8 length = fields.Byte();
   if (length == 0) return;
-  std::cout << "\tUnknown            : 0x";
+  report << "\tUnknown            : 0x";
   PrintHex(fields.Number(length), 0);
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintPartitionType(u8 type) {
-  std::cout << "\tPartition Type     : 0x";
+  report << "\tPartition Type     : 0x";
   PrintHexByte(type);
-  std::cout << " (" << ToNarrow(PartitionTypeName(type)) << ")" << LineEnd;
+  report << " (" << PartitionTypeName(type) << ")" << LineEnd;
 }
 
 // In sectors of 512 bytes, whatever the disk's are.
 void PrintChildSize(u64 sectors) {
-  std::cout << "\tSize (if childen) : " << sectors << "(" << (sectors << 9 >> 20) << " MiB)" << LineEnd;
+  report << "\tSize (if childen) : " << sectors << "(" << (sectors << 9 >> 20) << " MiB)" << LineEnd;
 }
 
 }  // namespace
 
 void PrintVolume(Bytes data, u8 flags) {
   FieldCursor fields(data, FirstField(flags));
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("VBLK Volume", "\t");
   PrintIdentifierLine("\tObject Id.         : 0x", fields.Sized());
   PrintTextLine("\tName               : [ ", fields.Sized());
   PrintTextLine("\tVolume Type        : [ ", fields.Sized());
   PrintAttributes(fields);
   PrintTextLine("\tVolume State       : [ ", fields.Take(kStateSize));
-  PrintNormalOrRaid("\tVolume Type        : ", fields.Byte(), 3, 4);
+  PrintNamedByte("\tVolume Type        : ", fields.Byte(), kVolumeTypes);
   fields.Skip(1);
   PrintNumberLine("\tVolume Number      : ", fields.Byte());
   fields.Skip(3);
-  PrintNormalOrRaid("\tFlags              : ", fields.Byte(), 0x11, 0x13);
+  PrintNamedByte("\tFlags              : ", fields.Byte(), kVolumeFlags);
   PrintNumberLine("\tNumber Of Children : ", fields.SizedNumber());
   PrintNumberLine("\tLog Commit Id.     : ", fields.Number(8));
   PrintNumberLine("\tDuplicate?         : ", fields.Number(8));
@@ -94,11 +89,11 @@ void PrintVolume(Bytes data, u8 flags) {
   if ((flags & kHasId2) != 0) PrintIdentifierLine("\tId2?               : 0x", fields.Sized());
   if ((flags & kHasChildSize) != 0) PrintChildSize(fields.SizedNumber());
   if ((flags & kHasDriveHint) != 0) PrintTextLine("\tDrive Hint         : [ ", fields.Sized());
-  if (FirstField(flags) == 0) std::cout << LineEnd;
+  if (FirstField(flags) == 0) report << LineEnd;
   PrintGuidLine("\tVolume Id2.        : { ", fields.Take(16));
-  std::cout << "\tUnknown.           : 0x";
+  report << "\tUnknown.           : 0x";
   PrintHexByte(fields.Byte());
-  std::cout << " }" << LineEnd << LineEnd;
+  report << " }" << LineEnd << LineEnd;
 }
 
 }  // namespace trovisk

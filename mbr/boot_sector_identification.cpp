@@ -7,18 +7,15 @@
 // system says of itself otherwise, so a volume whose boot code is unknown is shown raw.
 
 #include <array>
-#include <ostream>
 
-#include "frame/decode.h"
-#include "frame/decoders.h"
 #include "frame/global.h"
-#include "frame/report.h"
+#include "frame/report/report.h"
+#include "frame/sector.h"
+#include "refimages/boot_sector.h"
 #include "refimages/catalogue.h"
 
 namespace trovisk {
 namespace {
-
-constexpr std::size_t kOemName = 0x003;  // 8 characters, no NUL
 
 struct VolumeClass {
   WideText name;
@@ -63,11 +60,11 @@ VolumeClass Classify(SectorView bootSector) {
 u64 IdentifyBootSector(WideText /*description*/, u64 sector, bool print) {
   std::array<u8, 512> bootSector{};
   if (!disk.Read(bootSector.data(), bootSector.size())) {
-    ErrorLine() << "Error reading sector #" << sector << '\n';
+    errors << "Error reading sector #" << sector << '\n';
     return kEndPass;
   }
   if (!SeekToSector(sector)) {
-    ErrorLine() << "Error seeking back to start of sector\n";
+    errors << "Error seeking back to start of sector\n";
     return kEndPass;
   }
   const VolumeClass volume = Classify(SectorView(bootSector));

@@ -5,12 +5,9 @@
 // record's own sector, the link too: a chain whose links count from the start of the outermost extended
 // partition is followed to the sector that this rule gives.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "mbr/partition_entry.h"
 
 namespace trovisk {
@@ -20,25 +17,29 @@ constexpr std::size_t kLogicalPartition = 0x1BE;
 constexpr std::size_t kNextRecord = 0x1CE;
 constexpr std::size_t kEndMarkHigh = 0x1FF;  // 0xAA
 
+constexpr FieldRow kEnd[] = {
+    {"Sector End Mark : 0x", kEndMarkHigh, HexBytes(1)},
+};
+static_assert(FieldsFit(kEnd, 512));
+
 }  // namespace
 
 u64 DecodeExtendedBootRecord(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, 512> buffer{};
-  if (!ReadRecord(buffer)) return kEndPass;
-  const SectorView record(buffer);
+  const auto buffer = OpenRecord(description, sector, print);
+  if (!buffer) return kEndPass;
+  const SectorView record(*buffer);
 
   if (print) {
-    std::cout << LineEnd;
+    report << LineEnd;
     PrintHeading("Supplementary Boot Record");
-    std::cout << LineEnd << "Partition table entries" << LineEnd << LineEnd;
+    report << LineEnd << "Partition table entries" << LineEnd << LineEnd;
   }
   PrintPartitionEntry(Part<kLogicalPartition, kPartitionEntrySize>(record), sector, print);
   PrintPartitionEntry(Part<kNextRecord, kPartitionEntrySize>(record), sector, print);
   if (print) {
-    std::cout << LineEnd << LineEnd << "Sector End Mark : 0x";
-    PrintHexByte(U8<kEndMarkHigh>(record));
-    std::cout << LineEnd << LineEnd;
+    report << LineEnd << LineEnd;
+    PrintFields(record, kEnd);
+    report << LineEnd;
   }
   return DumpAsRawSector(sector, print);
 }

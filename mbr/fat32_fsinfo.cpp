@@ -4,68 +4,61 @@
 // Little-endian. Layout: Microsoft, "FAT: General Overview of On-Disk Format", FSInfo structure.
 // Checked: end mark, lead signature. Not checked: structure and trail signatures.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
+#include "refimages/boot_sector.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kLeadSignature = 0x000;  // u32
-constexpr std::size_t kFreeClusters = 0x1E8;   // u32
-constexpr std::size_t kNextCluster = 0x1EC;    // u32: where to begin the search for a free one
-constexpr std::size_t kEndMark = 0x1FE;        // 0x55 0xAA
+constexpr std::size_t kLeadSignature = 0x000;    // "RRaA"
+constexpr std::size_t kStructSignature = 0x1E4;  // "rrAa"
+constexpr std::size_t kFreeClusters = 0x1E8;     // u32
+constexpr std::size_t kNextCluster = 0x1EC;      // u32: where to begin the search for a free one
 
-constexpr u16 kValidEndMark = 0xAA55;
-constexpr u32 kValidLeadSignature = 0x41615252;  // "RRaA"
 constexpr u32 kUnknown = 0xFFFFFFFF;
 
-// "Signatue" is how the report has always spelled it.
 constexpr FieldRow kSignatures[] = {
-    {"Leading Signature                 : [ ", kLeadSignature, Format::kChars, 4, " ]"},
-    {"FSI Structure Signatue            : [ ", 0x1E4, Format::kChars, 4, " ]"},
+    {"Leading Signature                 : [ ", kLeadSignature, Chars(4), " ]"},
+    {"FSI Structure Signatue            : [ ", kStructSignature, Chars(4), " ]"},  // sic
 };
-static_assert(FieldsFit(kSignatures, 512));
+constexpr FieldRow kEnd[] = {
+    {"Sector End Mark                   : 0x", kEndMark, ReversedHexBytes(2)},
+};
+static_assert(FieldsFit(kSignatures, 512) && FieldsFit(kEnd, 512));
 
 void PrintHint(std::string_view label, u32 value) {
-  std::cout << label;
+  report << label;
   if (value == kUnknown) {
-    std::cout << "Unknown";
+    report << "Unknown";
   } else {
-    std::cout << value;
+    report << value;
   }
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintReport(SectorView fsInfo) {
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("FAT32 Filesystem Information Sector");
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintFields(fsInfo, kSignatures);
   PrintHint("Last known count of free clusters : ", Le32<kFreeClusters>(fsInfo));
   PrintHint("Cluster number to begin search    : ", Le32<kNextCluster>(fsInfo));
-  std::cout << "Sector End Mark                   : 0x";
-  PrintReversedHexBytes(Part<kEndMark, 2>(fsInfo));
-  std::cout << LineEnd;
+  PrintFields(fsInfo, kEnd);
 }
 
 }  // namespace
 
 u64 DecodeFat32FsInfo(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, 512> buffer{};
-  if (!ReadRecord(buffer)) return kEndPass;
-  const SectorView fsInfo(buffer);
-  if (Le16<kEndMark>(fsInfo) != kValidEndMark) {
-    std::cout << "Not a valid FAT32 FSI sector end marker" << LineEnd;
+  const auto record = OpenRecord(description, sector, print);
+  if (!record) return kEndPass;
+  const SectorView fsInfo(*record);
+  if (!HasEndMark(fsInfo)) {
+    report << "Not a valid FAT32 FSI sector end marker" << LineEnd;
     return kEndPass;
   }
-  if (Le32<kLeadSignature>(fsInfo) != kValidLeadSignature) {
-    std::cout << "Not a valid FAT32 FSI signature" << LineEnd;
+  if (!EqualsText(Part<kLeadSignature, 4>(fsInfo), "RRaA")) {
+    report << "Not a valid FAT32 FSI signature" << LineEnd;
     return kEndPass;
   }
   if (print) PrintReport(fsInfo);

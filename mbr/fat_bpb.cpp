@@ -6,36 +6,34 @@
 
 #include "mbr/fat_bpb.h"
 
-#include <iostream>
-
-#include "frame/field_table.h"
-#include "frame/fields.h"
+#include "frame/report/verbs.h"
+#include "refimages/boot_sector.h"
 
 namespace trovisk {
 namespace {
 
 constexpr FieldRow kFields[] = {
-    {"\tBytes/Sector              : ", 0x00, Format::kLe16},
-    {"\tSectors/Cluster           : ", 0x02, Format::kU8},
-    {"\tReserved Sector Count     : ", 0x03, Format::kLe16},
-    {"\tNumber of FATs            : ", 0x05, Format::kU8},
-    {"\tRoot Entry Count          : ", 0x06, Format::kLe16},
-    {"\tTotal Sectors On Volume   : ", 0x08, Format::kLe16, 2, " (16-bit count)"},
-    {"\tMedia Type                : ", 0x0A, Format::kMediaType},
-    {"\tNumber of Sectors in FAT  : ", 0x0B, Format::kLe16, 2, " (16-bit count)"},
-    {"\tSectors/Track             : ", 0x0D, Format::kLe16},
-    {"\tNumber Of Heads           : ", 0x0F, Format::kLe16},
-    {"\tHidden Sectors            : ", 0x11, Format::kLe32},
-    {"\tTotal Sectors On Volume   : ", 0x15, Format::kLe32, 4, " (32-bit count)"},
+    {"\tBytes/Sector              : ", kBpbBytesPerSector, kLe16},
+    {"\tSectors/Cluster           : ", kBpbSectorsPerCluster, kU8},
+    {"\tReserved Sector Count     : ", kBpbReservedSectors, kLe16},
+    {"\tNumber of FATs            : ", kBpbFatCount, kU8},
+    {"\tRoot Entry Count          : ", kBpbRootEntries, kLe16},
+    {"\tTotal Sectors On Volume   : ", kBpbTotalSectors16, kLe16, " (16-bit count)"},
+    {"\tMedia Type                : ", kBpbMedia, kMediaType},
+    {"\tNumber of Sectors in FAT  : ", kBpbFatSize16, kLe16, " (16-bit count)"},
+    {"\tSectors/Track             : ", kBpbSectorsPerTrack, kLe16},
+    {"\tNumber Of Heads           : ", kBpbHeads, kLe16},
+    {"\tHidden Sectors            : ", kBpbHiddenSectors, kLe32},
+    {"\tTotal Sectors On Volume   : ", kBpbTotalSectors32, kLe32, " (32-bit count)"},
 };
-static_assert(FieldsFit(kFields, kFatBpbSize));
+static_assert(FieldsFit(kFields, 512));
 
 }  // namespace
 
-void PrintFatBpb(FixedBytes<kFatBpbSize> bpb) {
-  std::cout << LineEnd;
+void PrintFatBpb(SectorView bootSector) {
+  report << LineEnd;
   PrintHeading("BIOS Parameter Block", "\t");
-  PrintFields(bpb, kFields);
+  PrintFields(bootSector, kFields);
 }
 
 }  // namespace trovisk

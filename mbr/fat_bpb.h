@@ -7,10 +7,8 @@
 
 namespace trovisk {
 
-inline constexpr std::size_t kFatBpb = 0x00B;  // its place in the boot sector
-inline constexpr std::size_t kFatBpbSize = 25;
-
-void PrintFatBpb(FixedBytes<kFatBpbSize> bpb);
+// Prints the block, one line per field.
+void PrintFatBpb(SectorView bootSector);
 
 }  // namespace trovisk
 

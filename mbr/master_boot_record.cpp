@@ -6,15 +6,12 @@
 // Not checked: the end mark, the entries' extents.
 
 #include <algorithm>
-#include <array>
-#include <iostream>
-#include <span>
 
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "mbr/partition_entry.h"
+#include "refimages/boot_sector.h"
 #include "refimages/catalogue.h"
 
 namespace trovisk {
@@ -29,7 +26,6 @@ constexpr std::size_t kTimeStampHours = 0x0DF;
 constexpr std::size_t kMessageOffsets = 0x1B5;  // u8 each: low byte of the offset of messages 1 to 3
 constexpr std::size_t kDiskSignature = 0x1B8;   // u32
 constexpr std::size_t kEntries = 0x1BE;         // four partition table entries
-constexpr std::size_t kEndMark = 0x1FE;         // 0x55 0xAA
 
 constexpr std::size_t kEntryCount = 4;
 constexpr u8 kTypeGpt = 0xEE;
@@ -58,6 +54,22 @@ constexpr Loader kLoaders[] = {
      "Windows 2008 R2 and onwards Boot Loader"},
 };
 
+constexpr FieldRow kTimeStampDriveRow[] = {
+    {"Drive Number     : 0x", kTimeStampDrive, HexBytes(1)},
+};
+// The disk signature in storage order, as the GPT report shows it, or as the number that it is.
+constexpr FieldRow kGptSignature[] = {
+    {"Disk Signature 0x", kDiskSignature, HexBytes(4)},
+};
+constexpr FieldRow kMbrSignature[] = {
+    {"Disk Signature   : 0x", kDiskSignature, ReversedHexBytes(4)},
+};
+constexpr FieldRow kEnd[] = {
+    {"Sector End Mark  : 0x", kEndMark, ReversedHexBytes(2)},
+};
+static_assert(FieldsFit(kTimeStampDriveRow, 512) && FieldsFit(kGptSignature, 512) &&
+              FieldsFit(kMbrSignature, 512) && FieldsFit(kEnd, 512));
+
 const Loader* IdentifyLoader(SectorView mbr) {
   for (const Loader& loader : kLoaders) {
     if (!Matches(loader.code, mbr)) continue;
@@ -81,19 +93,18 @@ bool HasEntryOfType(SectorView mbr, u8 type) {
 
 void PrintTimeStamp(SectorView mbr) {
   if (U8<kTimeStampDrive>(mbr) == 0) return;
-  std::cout << "Drive Number     : 0x";
-  PrintHexByte(U8<kTimeStampDrive>(mbr));
-  std::cout << LineEnd << "Last Access Time : ";
+  PrintFields(mbr, kTimeStampDriveRow);
+  report << "Last Access Time : ";
   PrintTwoDigits(U8<kTimeStampHours>(mbr));
-  std::cout << ":";
+  report << ":";
   PrintTwoDigits(U8<kTimeStampMinutes>(mbr));
-  std::cout << ":";
+  report << ":";
   PrintTwoDigits(U8<kTimeStampSeconds>(mbr));
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintSequentialMessages(SectorView mbr, u64 position) {
-  for (int number = 1; number <= 3; ++number) {
+  for (std::size_t number = 1; number <= 3; ++number) {
     const Bytes rest = FromAt(mbr, position);
     const auto end = std::find(rest.begin(), rest.end(), u8{0});
     PrintErrorMessage(number, "  : [ ", rest);
@@ -105,7 +116,7 @@ void PrintMessagesByOffset(SectorView mbr, u64 base) {
   const auto offsets = Part<kMessageOffsets, 3>(mbr);
   for (std::size_t i = 0; i < offsets.size(); ++i) {
     // A smaller offset than the first one's places the text before the base; outside the sector it is empty.
-    PrintErrorMessage(static_cast<int>(i) + 1, " : [ ", FromAt(mbr, base + offsets[i] - offsets[0]));
+    PrintErrorMessage(i + 1, " : [ ", FromAt(mbr, base + offsets[i] - offsets[0]));
   }
 }
 
@@ -124,49 +135,44 @@ void PrintLoader(const Loader& loader, SectorView mbr) {
   }
   if (loader.code == BootCode::kMbrMsDos330) {
     PrintTimeStamp(mbr);
-    std::cout << LineEnd;
+    report << LineEnd;
   }
 }
 
-// The disk signature in storage order, as the GPT report shows it, or as the number that it is.
 void PrintTitle(SectorView mbr, bool gpt) {
-  std::cout << LineEnd;
+  report << LineEnd;
   if (gpt) {
     PrintHeading("GPT Protective MBR");
-    std::cout << "Disk Signature 0x";
-    PrintHexBytes(Part<kDiskSignature, 4>(mbr));
-    std::cout << LineEnd;
+    PrintFields(mbr, kGptSignature);
   } else {
     PrintHeading("MBR");
-    std::cout << "Disk Signature   : 0x";
-    PrintReversedHexBytes(Part<kDiskSignature, 4>(mbr));
-    std::cout << LineEnd << LineEnd;
+    PrintFields(mbr, kMbrSignature);
+    report << LineEnd;
   }
 }
 
 }  // namespace
 
 u64 DecodeMasterBootRecord(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, 512> record{};
-  if (!ReadRecord(record)) return kEndPass;
-  const SectorView mbr(record);
+  const auto record = OpenRecord(description, sector, print);
+  if (!record) return kEndPass;
+  const SectorView mbr(*record);
 
   const Loader* loader = nullptr;
   if (!AllZero(Part<kBootCode, kBootCodeSize>(mbr))) {
     loader = IdentifyLoader(mbr);
     // In both passes, and before the disk is known to be GPT.
-    if (loader == nullptr) std::cout << "\tUnknown Boot Loader Code" << LineEnd;
+    if (loader == nullptr) report << "\tUnknown Boot Loader Code" << LineEnd;
   }
   const bool gpt = HasEntryOfType(mbr, kTypeGpt);
   if (print) {
     PrintTitle(mbr, gpt);
     if (!gpt && loader != nullptr) PrintLoader(*loader, mbr);
-    std::cout << LineEnd << "Partition table entries" << LineEnd << LineEnd;
+    report << LineEnd << "Partition table entries" << LineEnd << LineEnd;
   }
   for (std::size_t i = 0; i < kEntryCount; ++i)
     PrintPartitionEntry(Entry(mbr, i), sector, print);
-  if (print) std::cout << LineEnd << LineEnd;
+  if (print) report << LineEnd << LineEnd;
 
   if (gpt) {
     AddTocEntry(disk, kGptHeaderSector, DecodeGptHeader, L"Primary GPT Header");
@@ -174,9 +180,8 @@ u64 DecodeMasterBootRecord(WideText description, u64 sector, bool print) {
     AddTocEntry(disk, kPrivheadSector, DecodePrivhead, L"PRIVHEAD Sector");
   }
   if (print) {
-    std::cout << "Sector End Mark  : 0x";
-    PrintReversedHexBytes(Part<kEndMark, 2>(mbr));
-    std::cout << LineEnd << LineEnd;
+    PrintFields(mbr, kEnd);
+    report << LineEnd;
   }
   return DumpAsRawSector(sector, print);
 }

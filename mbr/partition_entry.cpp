@@ -6,12 +6,12 @@
 
 #include "mbr/partition_entry.h"
 
-#include <iostream>
+#include <algorithm>
 
 #include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
-#include "frame/names.h"
+#include "frame/report/names.h"
+#include "frame/report/report.h"
 
 namespace trovisk {
 namespace {
@@ -24,69 +24,67 @@ constexpr std::size_t kSectorCount = 0xC;  // u32
 
 constexpr u8 kActive = 0x80;
 constexpr u8 kTypeEmpty = 0x00;
-constexpr u8 kTypeDynamic = 0x42;
 constexpr u32 kCountLarge = 0xFFFFFFFF;  // more sectors than the field can say
+
+// A kind of partition whose first sector has a decoder.
+struct KnownPartition {
+  u8 type;
+  SectorDecoder decoder;
+  WideText description;
+  bool onlyMarked = false;  // where the boot indicator is not zero
+};
+
+constexpr KnownPartition kKnownPartitions[] = {
+    {0x01, DecodeFatBootSector, L"FAT Boot Sector"},
+    {0x04, DecodeFatBootSector, L"FAT Boot Sector"},
+    {0x05, DecodeExtendedBootRecord, L"Supplementary Boot Record"},
+    {0x06, DecodeFatBootSector, L"FAT Boot Sector"},
+    {0x07, IdentifyBootSector, L"NTFS Boot Sector"},
+    {0x0B, DecodeFatBootSector, L"FAT32 Boot Sector"},
+    {0x0C, DecodeFatBootSector, L"FAT32 Boot Sector"},
+    {0x0E, DecodeFatBootSector, L"FAT Boot Sector"},
+    {0x0F, DecodeExtendedBootRecord, L"Supplementary Boot Record"},
+    {0x42, IdentifyBootSector, L"Dynamic Boot Sector", true},
+    {0xDE, DecodeFatBootSector, L"Dell Utility Partition"},
+};
 
 void PrintChs(FixedBytes<3> chs) {
   const unsigned cylinder = (chs[1] & 0xC0U) * 4 + chs[2];
-  std::cout << cylinder << "/" << unsigned{chs[0]} << "/" << (chs[1] & 0x3FU);
+  report << cylinder << "/" << chs[0] << "/" << (chs[1] & 0x3FU);
 }
 
 void PrintReport(FixedBytes<kPartitionEntrySize> entry) {
   const u8 type = U8<kEntryType>(entry);
   if (type == kTypeEmpty) {
-    std::cout << "\tEmpty" << LineEnd << LineEnd;
+    report << "\tEmpty" << LineEnd << LineEnd;
     return;
   }
-  std::cout << (U8<kBootIndicator>(entry) == kActive ? "\tActive   " : "\tInactive ") << "[ "
-            << ToNarrow(PartitionTypeName(type)) << " ]" << LineEnd;
-  std::cout << "\tC/H/S ";
+  report << (U8<kBootIndicator>(entry) == kActive ? "\tActive   " : "\tInactive ");
+  report << "[ " << PartitionTypeName(type) << " ]" << LineEnd;
+  report << "\tC/H/S ";
   PrintChs(Part<kStartChs, 3>(entry));
-  std::cout << " - ";
+  report << " - ";
   PrintChs(Part<kEndChs, 3>(entry));
-  std::cout << LineEnd;
+  report << LineEnd;
 
   const u32 first = Le32<kFirstSector>(entry);
   const u32 count = Le32<kSectorCount>(entry);
-  std::cout << "\tPartition Sectors [ " << first << " - ";
+  report << "\tPartition Sectors [ " << first << " - ";
   if (count == kCountLarge) {
-    std::cout << "LARGE ]";
+    report << "LARGE";
   } else {
-    std::cout << first + count - 1 << " ]";
+    report << first + count - 1;
   }
-  std::cout << LineEnd << LineEnd;
+  report << " ]" << LineEnd << LineEnd;
 }
 
 void Register(FixedBytes<kPartitionEntrySize> entry, u64 tableSector) {
-  const u64 sector = tableSector + Le32<kFirstSector>(entry);
-  switch (U8<kEntryType>(entry)) {
-    case 0x01:
-    case 0x04:
-    case 0x06:
-    case 0x0E:
-      AddTocEntry(disk, sector, DecodeFatBootSector, L"FAT Boot Sector");
-      break;
-    case 0x0B:
-    case 0x0C:
-      AddTocEntry(disk, sector, DecodeFatBootSector, L"FAT32 Boot Sector");
-      break;
-    case 0x05:
-    case 0x0F:
-      AddTocEntry(disk, sector, DecodeExtendedBootRecord, L"Supplementary Boot Record");
-      break;
-    case 0x07:
-      AddTocEntry(disk, sector, IdentifyBootSector, L"NTFS Boot Sector");
-      break;
-    case kTypeDynamic:
-      if (U8<kBootIndicator>(entry) != 0)
-        AddTocEntry(disk, sector, IdentifyBootSector, L"Dynamic Boot Sector");
-      break;
-    case 0xDE:
-      AddTocEntry(disk, sector, DecodeFatBootSector, L"Dell Utility Partition");
-      break;
-    default:
-      break;
-  }
+  const u8 type = U8<kEntryType>(entry);
+  const auto* const known = std::find_if(std::begin(kKnownPartitions), std::end(kKnownPartitions),
+                                         [&](const KnownPartition& row) { return row.type == type; });
+  if (known == std::end(kKnownPartitions)) return;
+  if (known->onlyMarked && U8<kBootIndicator>(entry) == 0) return;
+  AddTocEntry(disk, tableSector + Le32<kFirstSector>(entry), known->decoder, known->description);
 }
 
 }  // namespace

@@ -4,12 +4,9 @@
 // published description: the layout is what is known from disks, and so in part unknown.
 // Checked: signature.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
@@ -23,46 +20,45 @@ constexpr std::size_t kPartitionGuid = 0x08;         // GUID
 constexpr std::size_t kReplicationGroupGuid = 0x18;  // GUID
 constexpr std::size_t kUnnamedWords = 0x28;          // six u32
 
+constexpr FieldRow kDataSizeRow[] = {
+    {"Data Size (bytes) ?             : ", kDataSize, kLe32},
+};
+static_assert(FieldsFit(kDataSizeRow, kRecordSize));
+
 void PrintGuidOrEmpty(FixedBytes<16> guid) {
   if (AllZero(guid)) {
-    std::cout << "<empty>";
+    report << "<empty>";
   } else {
-    std::cout << "{ ";
+    report << "{ ";
     PrintGuid(guid);
-    std::cout << " }";
+    report << " }";
   }
 }
 
+void PrintGuidLine(std::string_view label, FixedBytes<16> guid) {
+  report << label;
+  PrintGuidOrEmpty(guid);
+  report << LineEnd;
+}
+
 void PrintReport(FixedBytes<kRecordSize> record) {
-  std::cout << "Magic Number                    : [DPOD]" << LineEnd
-            << "Data Size (bytes) ?             : " << Le32<kDataSize>(record) << LineEnd
-            << "MSFT_WvrReplica Partition GUID  : ";
-  PrintGuidOrEmpty(Part<kPartitionGuid, 16>(record));
-  std::cout << LineEnd << "Replication Group GUID          : ";
-  PrintGuidOrEmpty(Part<kReplicationGroupGuid, 16>(record));
-  std::cout << LineEnd;
+  report << "Magic Number                    : [DPOD]" << LineEnd;
+  PrintFields(record, kDataSizeRow);
+  PrintGuidLine("MSFT_WvrReplica Partition GUID  : ", Part<kPartitionGuid, 16>(record));
+  PrintGuidLine("Replication Group GUID          : ", Part<kReplicationGroupGuid, 16>(record));
   PrintUnnamedWords("Unknown                         : 0x", Part<kUnnamedWords, 6 * 4>(record));
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 }  // namespace
 
 u64 DecodeDpodSector(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
-  std::array<u8, kRecordSize> bytes{};
-  if (!ReadRecord(bytes)) return kEndPass;
-  const FixedBytes<kRecordSize> record(bytes);
-  if (!EqualsText(Part<kSignature, 4>(record), "DPOD")) {
-    ErrorLine() << "**** No DPOD magic found ****\n";
-    return kEndPass;
-  }
+  const auto buffer = OpenRecord<kRecordSize>(description, sector, print, Below::kEmptyLine);
+  if (!buffer) return kEndPass;
+  const FixedBytes<kRecordSize> record(*buffer);
+  if (!CheckSignature(Part<kSignature, 4>(record), "DPOD", "DPOD")) return kEndPass;
   if (print) PrintReport(record);
-  if (!SeekToSector(sector)) return kEndPass;
-  DumpRawSector(L"as a raw sector", sector, print);
-  return sector + 1;
+  return DumpAsRawSectorAndGoOn(sector, print);
 }
 
 }  // namespace trovisk

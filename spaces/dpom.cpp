@@ -4,13 +4,9 @@
 // description: the layout is what is known from disks, and so in part unknown.
 // Checked: signature.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
@@ -24,45 +20,33 @@ constexpr std::size_t kUnnamedWords = 0x08;   // nine u32
 constexpr std::size_t kDiskGuid = 0x2C;       // GUID
 constexpr std::size_t kPartitionGuid = 0x3C;  // GUID
 
-constexpr FieldRow kGuids[] = {
-    {.label = "Replication Disk GUID             : { ",
-     .offset = kDiskGuid,
-     .format = Format::kGuid,
-     .suffix = " }"},
-    {.label = "Replication Partition Unique GUID : { ",
-     .offset = kPartitionGuid,
-     .format = Format::kGuid,
-     .suffix = " }"},
+constexpr FieldRow kDataSizeRow[] = {
+    {"Data Size (bytes) ?               : ", kDataSize, kLe32},
 };
-static_assert(FieldsFit(kGuids, kRecordSize));
+constexpr FieldRow kGuids[] = {
+    {"Replication Disk GUID             : { ", kDiskGuid, kGuidText, " }"},
+    {"Replication Partition Unique GUID : { ", kPartitionGuid, kGuidText, " }"},
+};
+static_assert(FieldsFit(kDataSizeRow, kRecordSize) && FieldsFit(kGuids, kRecordSize));
 
 void PrintReport(FixedBytes<kRecordSize> record) {
-  std::cout << "Magic Number                      : [DPOM]" << LineEnd
-            << "Data Size (bytes) ?               : " << Le32<kDataSize>(record) << LineEnd;
+  report << "Magic Number                      : [DPOM]" << LineEnd;
+  PrintFields(record, kDataSizeRow);
   PrintUnnamedWords("Unknown                           : 0x", Part<kUnnamedWords, 9 * 4>(record));
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintFields(record, kGuids);
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 }  // namespace
 
 u64 DecodeDpomSector(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
-  std::array<u8, kRecordSize> bytes{};
-  if (!ReadRecord(bytes)) return kEndPass;
-  const FixedBytes<kRecordSize> record(bytes);
-  if (!EqualsText(Part<kSignature, 4>(record), "DPOM")) {
-    ErrorLine() << "**** No DPOM magic found ****\n";
-    return kEndPass;
-  }
+  const auto buffer = OpenRecord<kRecordSize>(description, sector, print, Below::kEmptyLine);
+  if (!buffer) return kEndPass;
+  const FixedBytes<kRecordSize> record(*buffer);
+  if (!CheckSignature(Part<kSignature, 4>(record), "DPOM", "DPOM")) return kEndPass;
   if (print) PrintReport(record);
-  if (!SeekToSector(sector)) return kEndPass;
-  DumpRawSector(L"as a raw sector", sector, print);
-  return sector + 1;
+  return DumpAsRawSectorAndGoOn(sector, print);
 }
 
 }  // namespace trovisk

@@ -5,13 +5,13 @@
 // is known from disks.
 // Checked: each record's signature. Not checked: part numbers; a record's data is not examined.
 
+#include <algorithm>
 #include <array>
-#include <iostream>
 
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
@@ -27,54 +27,57 @@ constexpr std::size_t kPartIndex = 0x0C;   // u16, from 0
 constexpr std::size_t kPartCount = 0x0E;   // u16, 0: an empty record
 constexpr std::size_t kEntryType = 0x10;   // 2 bytes, of the entry's first part
 
+constexpr FieldRow kHeading[] = {
+    {"SDBB : 0x", kIdentifier, HexBytes(4)},
+};
+constexpr FieldRow kParentRow[] = {
+    {"\tParent : 0x", kParent, HexBytes(4)},
+};
+static_assert(FieldsFit(kHeading, kRecordSize) && FieldsFit(kParentRow, kRecordSize));
+
 using Record = FixedBytes<kRecordSize>;
 
 Record RecordAt(SectorView block, std::size_t index) {
   return block.subspan(index * kRecordSize).first<kRecordSize>();
 }
 
-void PrintRecord(Record record) {
-  const auto identifier = Part<kIdentifier, 4>(record);
-  const auto parent = Part<kParent, 4>(record);
-  std::cout << "SDBB : 0x";
-  PrintHexBytes(identifier);
-  std::cout << LineEnd << LineEnd;
-  const u16 partCount = Be16<kPartCount>(record);
-  if (partCount == 0) {
-    std::cout << "\tEmpty";
-  } else {
-    if (!std::equal(identifier.begin(), identifier.end(), parent.begin())) {
-      std::cout << "\tParent : 0x";
-      PrintHexBytes(parent);
-      std::cout << LineEnd;
-    }
-    const int partIndex = Be16<kPartIndex>(record);
-    std::cout << "\tPart   : " << partIndex + 1 << " of " << partCount << LineEnd;
-    if (partIndex == 0) {
-      std::cout << "\tType   : 0x";
-      PrintHexBytes(Part<kEntryType, 2>(record));
-    }
+void PrintPart(Record record) {
+  if (!std::ranges::equal(Part<kIdentifier, 4>(record), Part<kParent, 4>(record))) {
+    PrintFields(record, kParentRow);
   }
-  std::cout << LineEnd << LineEnd;
+  const int partIndex = Be16<kPartIndex>(record);
+  report << "\tPart   : " << partIndex + 1 << " of " << Be16<kPartCount>(record) << LineEnd;
+  if (partIndex == 0) {
+    report << "\tType   : 0x";
+    PrintHexBytes(Part<kEntryType, 2>(record));
+  }
+}
+
+void PrintRecord(Record record) {
+  PrintFields(record, kHeading);
+  report << LineEnd;
+  if (Be16<kPartCount>(record) == 0) {
+    report << "\tEmpty";
+  } else {
+    PrintPart(record);
+  }
+  report << LineEnd << LineEnd;
 }
 
 }  // namespace
 
 u64 DecodeSdbb(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
+  PrintOpening(description, sector, print, Below::kEmptyLine);
   std::array<u8, kRecords * kRecordSize> records{};
   if (!disk.Read(records.data(), records.size())) {
-    ErrorLine() << "Error reading sector " << sector << '\n';
+    errors << "Error reading sector " << sector << '\n';
     return kEndPass;
   }
   for (std::size_t i = 0; i < kRecords; ++i) {
     const Record record = RecordAt(SectorView(records), i);
     if (!EqualsText(Part<kSignature, 4>(record), "SDBB")) {
       // The end of the blocks, not of the pass.
-      ErrorLine() << "No SDBB magic found in sector " << sector << '\n';
+      errors << "No SDBB magic found in sector " << sector << '\n';
       return sector + 1;
     }
     if (print) PrintRecord(record);

@@ -4,14 +4,10 @@
 // There is no published description: the layout is what is known from disks, and so in part unknown.
 // Checked: signature. Not checked: revision, CRC.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
@@ -30,76 +26,38 @@ constexpr std::size_t kLastTransaction1 = 0x38;  // 8 bytes
 constexpr std::size_t kLastTransaction2 = 0x40;  // 8 bytes
 constexpr std::size_t kTimeStamp = 0x48;         // u64, FILETIME
 
-constexpr FieldRow kBeforePoolType[] = {
-    {"CRC32 Checksum              : 0x", kCrc32, Format::kHexBytes, 4},
-    {.label = "Spaceport GUID              : { ",
-     .offset = kSpaceportGuid,
-     .format = Format::kStoredGuid,
-     .suffix = " }"},
-    {"Unknown                     : 0x", kUnknown20, Format::kHexBytes, 8},
-    {"Unknown                     : 0x", kUnknown28, Format::kHexBytes, 3},
+constexpr ValueName kPoolTypes[] = {
+    {0x1B, "Unallocated"},    {0x1C, "Simple"}, {0x20, "Simple"}, {0x23, "Two-Way Mirror"},
+    {0x29, "Two-Way Mirror"}, {0x2A, "Parity"}, {0x2D, "Parity"}, {0x33, "Three-Way Mirror"},
 };
-constexpr FieldRow kBehindPoolType[] = {
-    {"Unknown                     : 0x", kUnknown2C, Format::kHexBytes, 4},
-    {"Unknown                     : 0x", kUnknown30, Format::kHexBytes, 8},
-    {"Last Transaction Number #1  : 0x", kLastTransaction1, Format::kHexBytes, 8},
-    {"Last Transaction Number #2  : 0x", kLastTransaction2, Format::kHexBytes, 8},
-};
-static_assert(FieldsFit(kBeforePoolType, 512) && FieldsFit(kBehindPoolType, 512));
 
-void PrintPoolType(u8 type) {
-  switch (type) {
-    case 0x1B:
-      std::cout << "Unallocated";
-      break;
-    case 0x1C:
-    case 0x20:
-      std::cout << "Simple";
-      break;
-    case 0x23:
-    case 0x29:
-      std::cout << "Two-Way Mirror";
-      break;
-    case 0x2A:
-    case 0x2D:
-      std::cout << "Parity";
-      break;
-    case 0x33:
-      std::cout << "Three-Way Mirror";
-      break;
-    default:
-      std::cout << "0x";
-      PrintHexByte(type);
-      break;
-  }
-}
+constexpr FieldRow kFields[] = {
+    {"CRC32 Checksum              : 0x", kCrc32, HexBytes(4)},
+    {"Spaceport GUID              : { ", kSpaceportGuid, kStoredGuidText, " }"},
+    {"Unknown                     : 0x", kUnknown20, HexBytes(8)},
+    {"Unknown                     : 0x", kUnknown28, HexBytes(3)},
+    {"Storage Pool Type           : ", kPoolType, Named(1, kPoolTypes, "0x")},
+    {"Unknown                     : 0x", kUnknown2C, HexBytes(4)},
+    {"Unknown                     : 0x", kUnknown30, HexBytes(8)},
+    {"Last Transaction Number #1  : 0x", kLastTransaction1, HexBytes(8)},
+    {"Last Transaction Number #2  : 0x", kLastTransaction2, HexBytes(8)},
+    {"Timestamp                   : ", kTimeStamp, kBeFileTime},
+};
+static_assert(FieldsFit(kFields, 512));
 
 void PrintReport(SectorView header) {
-  std::cout << "Magic Number                : [SDBC    ]" << LineEnd << "Revision                    : ";
-  PrintRevision(Part<kRevision, 4>(header));
-  std::cout << LineEnd;
-  PrintFields(header, kBeforePoolType);
-  std::cout << "Storage Pool Type           : ";
-  PrintPoolType(U8<kPoolType>(header));
-  std::cout << LineEnd;
-  PrintFields(header, kBehindPoolType);
-  std::cout << "Timestamp                   : ";
-  PrintFileTime(Be64<kTimeStamp>(header));
-  std::cout << LineEnd;
+  report << "Magic Number                : [SDBC    ]" << LineEnd;
+  PrintRevisionLine(Part<kRevision, 4>(header));
+  PrintFields(header, kFields);
 }
 
 }  // namespace
 
 u64 DecodeSdbc(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
-  std::array<u8, 512> record{};
-  if (!ReadRecord(record)) return kEndPass;
-  const SectorView header(record);
-  if (!EqualsText(Part<kSignature, 8>(header), "SDBC    ")) {
-    ErrorLine() << "**** No SDBC magic found ****\n";
+  const auto buffer = OpenRecord(description, sector, print, Below::kEmptyLine);
+  if (!buffer) return kEndPass;
+  const SectorView header(*buffer);
+  if (!CheckSignature(Part<kSignature, 8>(header), "SDBC    ", "SDBC")) {
     DumpAsRawSector(sector, print);
     return kEndPass;
   }

@@ -5,15 +5,11 @@
 // unknown.
 // Checked: signature. Not checked: revision, CRC.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
-#include "frame/filetime.h"
 #include "frame/global.h"
+#include "frame/report/field_table.h"
+#include "frame/report/filetime.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
@@ -35,22 +31,16 @@ constexpr std::size_t kTimeStamp = 0x58;    // u64, FILETIME; 0: none
 constexpr u64 kSectorsToSdbc = 8;
 
 constexpr FieldRow kBeforeFileTime[] = {
-    {"CRC32 Checksum              : 0x", kCrc32, Format::kHexBytes, 4},
-    {"Unknown                     : 0x", kUnknown10, Format::kHexBytes, 8},
+    {"CRC32 Checksum              : 0x", kCrc32, HexBytes(4)},
+    {"Unknown                     : 0x", kUnknown10, HexBytes(8)},
 };
 constexpr FieldRow kGuids[] = {
-    {.label = "Storage GUID                : { ",
-     .offset = kStorageGuid,
-     .format = Format::kStoredGuid,
-     .suffix = " }"},
-    {.label = "This SPACEDB GUID           : { ",
-     .offset = kSpaceDbGuid,
-     .format = Format::kStoredGuid,
-     .suffix = " }"},
+    {"Storage GUID                : { ", kStorageGuid, kStoredGuidText, " }"},
+    {"This SPACEDB GUID           : { ", kSpaceDbGuid, kStoredGuidText, " }"},
 };
 constexpr FieldRow kBehindNumber[] = {
-    {"Zeroes                      : 0x", kZeroes, Format::kHexBytes, 8},
-    {"Unknown                     : 0x", kUnknown50, Format::kHexBytes, 8},
+    {"Zeroes                      : 0x", kZeroes, HexBytes(8)},
+    {"Unknown                     : 0x", kUnknown50, HexBytes(8)},
 };
 static_assert(FieldsFit(kBeforeFileTime, 512) && FieldsFit(kGuids, 512) && FieldsFit(kBehindNumber, 512));
 
@@ -58,57 +48,51 @@ static_assert(FieldsFit(kBeforeFileTime, 512) && FieldsFit(kGuids, 512) && Field
 void PrintCalendarTime(u64 fileTime) {
   SystemTime time;
   if (!FileTimeToSystemTime(fileTime, time)) {
-    std::cout << "n/a";
+    report << "n/a";
     return;
   }
   PrintTwoDigits(time.day);
-  std::cout << "/";
+  report << "/";
   PrintTwoDigits(time.month);
-  std::cout << "/";
+  report << "/";
   PrintPadded(time.year, 4);
-  std::cout << " ";
+  report << " ";
   PrintTwoDigits(time.hour);
-  std::cout << ":";
+  report << ":";
   PrintTwoDigits(time.minute);
-  std::cout << ":";
+  report << ":";
   PrintTwoDigits(time.second);
 }
 
 void PrintReport(SectorView header) {
-  std::cout << "Magic Number                : [SPACEDB ]" << LineEnd << "Revision                    : ";
-  PrintRevision(Part<kRevision, 4>(header));
-  std::cout << LineEnd;
+  report << "Magic Number                : [SPACEDB ]" << LineEnd;
+  PrintRevisionLine(Part<kRevision, 4>(header));
   PrintFields(header, kBeforeFileTime);
-  std::cout << "Unknown FILETIME            : ";
+  report << "Unknown FILETIME            : ";
   PrintCalendarTime(Be64<kFileTime>(header));
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintFields(header, kGuids);
   const u64 number = Le64<kNumber>(header);
-  std::cout << "Unknown                     : 0x";
+  report << "Unknown                     : 0x";
   PrintHex(number, 16);
-  std::cout << "(" << number << ")" << LineEnd;
+  report << "(" << number << ")" << LineEnd;
   PrintFields(header, kBehindNumber);
-  std::cout << "Timestamp                   : ";
+  report << "Timestamp                   : ";
   if (const u64 timeStamp = Be64<kTimeStamp>(header); timeStamp != 0) {
     PrintFileTime(timeStamp);
   } else {
-    std::cout << "n/a";
+    report << "n/a";
   }
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 }  // namespace
 
 u64 DecodeSpaceDb(WideText description, u64 sector, bool print) {
-  if (print) {
-    PrintSectorHeader(description, sector);
-    std::cout << LineEnd;
-  }
-  std::array<u8, 512> record{};
-  if (!ReadRecord(record)) return kEndPass;
-  const SectorView header(record);
-  if (!EqualsText(Part<kSignature, 8>(header), "SPACEDB ")) {
-    ErrorLine() << "**** No SPACEDB magic found ****\n";
+  const auto buffer = OpenRecord(description, sector, print, Below::kEmptyLine);
+  if (!buffer) return kEndPass;
+  const SectorView header(*buffer);
+  if (!CheckSignature(Part<kSignature, 8>(header), "SPACEDB ", "SPACEDB")) {
     DumpAsRawSector(sector, print);
     return kEndPass;
   }

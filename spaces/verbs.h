@@ -9,8 +9,8 @@
 
 namespace trovisk {
 
-// The revision of a Storage Spaces record: its four bytes weighted by 1000, 100, 10 and 1/100.
-void PrintRevision(FixedBytes<4> revision);
+// The line of a Storage Spaces record's revision: its four bytes weighted by 1000, 100, 10 and 1/100.
+void PrintRevisionLine(FixedBytes<4> revision);
 
 // The sector as a raw dump between two empty lines, which stand in the loading pass too. False when the disk
 // could not be moved back to the sector.

@@ -5,19 +5,13 @@
 // Windows boot code keeps them.
 // Checked: end mark. Not checked: all other fields; shifts are taken modulo 32.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
+#include "refimages/boot_sector.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kJump = 0x000;               // 3 bytes
-constexpr std::size_t kOemName = 0x003;            // 8 bytes
 constexpr std::size_t kPartitionOffset = 0x040;    // u64, sectors
 constexpr std::size_t kVolumeLength = 0x048;       // u64, sectors
 constexpr std::size_t kFatOffset = 0x050;          // u32, sectors
@@ -38,39 +32,45 @@ constexpr std::size_t kBootCode = 0x078;           // 244 bytes
 constexpr std::size_t kBootCodeSize = 244;
 constexpr std::size_t kMessages = 0x16C;
 constexpr std::size_t kMessageOffsets = 0x1FB;  // u8 each: low byte of the offset of messages 1 to 3
-constexpr std::size_t kEndMark = 0x1FE;         // 0x55 0xAA
 
 constexpr FieldRow kExtentFields[] = {
-    {"Partition Offset          : ", kPartitionOffset, Format::kLe64, 0, " (sectors)"},
-    {"Volume Length             : ", kVolumeLength, Format::kLe64, 0, " (sectors)"},
-    {"FAT Offset                : ", kFatOffset, Format::kLe32, 0, " (sectors)"},
-    {"FAT Length                : ", kFatLength, Format::kLe32, 0, " (sectors)"},
-    {"Cluster Heap Offset       : ", kClusterHeapOffset, Format::kLe32, 0, " (sectors)"},
-    {"Cluster Count             : ", kClusterCount, Format::kLe32},
-    {"Root Directory Cluster    : ", kRootCluster, Format::kLe32},
-    {"Volume Serial Number      : ", kSerialNumber, Format::kHexBytes, 4},
+    {"Partition Offset          : ", kPartitionOffset, kLe64, " (sectors)"},
+    {"Volume Length             : ", kVolumeLength, kLe64, " (sectors)"},
+    {"FAT Offset                : ", kFatOffset, kLe32, " (sectors)"},
+    {"FAT Length                : ", kFatLength, kLe32, " (sectors)"},
+    {"Cluster Heap Offset       : ", kClusterHeapOffset, kLe32, " (sectors)"},
+    {"Cluster Count             : ", kClusterCount, kLe32},
+    {"Root Directory Cluster    : ", kRootCluster, kLe32},
+    {"Volume Serial Number      : ", kSerialNumber, HexBytes(4)},
 };
-static_assert(FieldsFit(kExtentFields, 512));
-
 constexpr FieldRow kDriveFields[] = {
-    {"Number of FATs            : ", kFatCount, Format::kU8},
-    {"Drive Select              : 0x", kDriveSelect, Format::kHexBytes, 1,
-     " (Extended INT 13H drive number)"},
-    {"Percent In Use            : ", kPercentInUse, Format::kU8},
+    {"Number of FATs            : ", kFatCount, kU8},
+    {"Drive Select              : 0x", kDriveSelect, HexBytes(1), " (Extended INT 13H drive number)"},
+    {"Percent In Use            : ", kPercentInUse, kU8},
 };
-static_assert(FieldsFit(kDriveFields, 512));
+static_assert(FieldsFit(kExtentFields, 512) && FieldsFit(kDriveFields, 512));
 
-bool HasEndMark(SectorView boot) {
-  return Le16<kEndMark>(boot) == 0xAA55;
-}
+// A volume flag: its line when it is set and, for some, when it is clear.
+struct FlagLine {
+  unsigned bit;
+  std::string_view set;
+  std::string_view clear;
+};
+
+constexpr FlagLine kFlagLines[] = {
+    {0, "\tActive FAT 1", "\tActive FAT 0"},
+    {1, "\tVolume Dirty", "\tVolume Clean"},
+    {2, "\tMedia Failure", "\tNo Media Failure"},
+    {3, "\tClear To Zero", ""},
+};
 
 void PrintVolumeFlags(unsigned flags) {
-  std::cout << "Volume Flags" << LineEnd;
-  std::cout << ((flags & 1) != 0 ? "\tActive FAT 1" : "\tActive FAT 0") << LineEnd;
-  std::cout << ((flags & 2) != 0 ? "\tVolume Dirty" : "\tVolume Clean") << LineEnd;
-  std::cout << ((flags & 4) != 0 ? "\tMedia Failure" : "\tNo Media Failure") << LineEnd;
-  if ((flags & 8) != 0) std::cout << "\tClear To Zero" << LineEnd;
-  std::cout << LineEnd;
+  report << "Volume Flags" << LineEnd;
+  for (const FlagLine& line : kFlagLines) {
+    const std::string_view text = (flags >> line.bit & 1) != 0 ? line.set : line.clear;
+    if (!text.empty()) report << text << LineEnd;
+  }
+  report << LineEnd;
 }
 
 // The first message stands at the start of the area, the others at the distance of their offset from its own.
@@ -84,49 +84,39 @@ void PrintMessages(SectorView boot) {
   PrintErrorMessage(1, " [ ", SliceAt(boot, kMessages, second - first - 1));
   PrintErrorMessage(2, " [ ", SliceAt(boot, kMessages + (second - first), third - second - 1));
   PrintErrorMessage(3, " [ ", SliceAt(boot, kMessages + (third - first), first - third + kLastMessageEnd));
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintReport(SectorView boot) {
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("Windows exFAT Boot Sector");
-  std::cout << "Jump Instruction To Boot Code : ";
-  PrintBracketedHexBytes(Part<kJump, 3>(boot));
-  std::cout << LineEnd << "OEM Name                      : [ ";
-  PrintChars(Part<kOemName, 8>(boot));
-  std::cout << " ]" << LineEnd << LineEnd;
-
+  PrintFields(boot, kBootSectorStart);
+  report << LineEnd;
   PrintFields(boot, kExtentFields);
-  std::cout << "File System Revision      : ";
+  report << "File System Revision      : ";
   PrintTwoDigits(U8<kRevisionMajor>(boot));
-  std::cout << ".";
+  report << ".";
   PrintTwoDigits(U8<kRevisionMinor>(boot));
-  std::cout << LineEnd << LineEnd;
+  report << LineEnd << LineEnd;
 
   PrintVolumeFlags(Le16<kVolumeFlags>(boot));
-  std::cout << "Bytes / Sector            : " << (u32{1} << (U8<kSectorShift>(boot) % 32)) << LineEnd;
-  std::cout << "Sectors / Cluster         : " << (u32{1} << (U8<kClusterShift>(boot) % 32)) << LineEnd;
+  report << "Bytes / Sector            : " << (u32{1} << (U8<kSectorShift>(boot) % 32)) << LineEnd;
+  report << "Sectors / Cluster         : " << (u32{1} << (U8<kClusterShift>(boot) % 32)) << LineEnd;
   PrintFields(boot, kDriveFields);
 
   PrintCodeSection("Windows exFAT Bootstrap Code", Part<kBootCode, kBootCodeSize>(boot));
   PrintMessages(boot);
-
-  std::cout << "Sector End Mark               : 0x";
-  PrintReversedHexBytes(Part<kEndMark, 2>(boot));
-  std::cout << LineEnd << LineEnd;
+  PrintFields(boot, kBootSectorEnd);
+  report << LineEnd;
 }
 
 }  // namespace
 
 u64 DecodeExFatBootSector(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, 512> record{};
-  if (!ReadRecord(record)) return kEndPass;
-  const SectorView boot(record);
-  if (!HasEndMark(boot)) {
-    std::cout << "Not a valid exFAT boot sector end marker @ sector # " << sector << LineEnd;
-    return kEndPass;
-  }
+  const auto record = OpenRecord(description, sector, print);
+  if (!record) return kEndPass;
+  const SectorView boot(*record);
+  if (!CheckEndMark(boot, "exFAT boot sector", sector)) return kEndPass;
   if (print) PrintReport(boot);
   return DumpAsRawSector(sector, print);
 }

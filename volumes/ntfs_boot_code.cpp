@@ -6,15 +6,13 @@
 // Checked: the loader's name. Not checked: the counts; a name that would run past the sector is cut at its
 // end, a count there is zero.
 
-#include <array>
-#include <iostream>
 #include <string>
 #include <vector>
 
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/listing.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 
 namespace trovisk {
 namespace {
@@ -69,30 +67,30 @@ bool AppendFurtherNames(SectorView code, std::vector<std::wstring>& names) {
 }
 
 void PrintNames(const std::vector<std::wstring>& names) {
-  std::cout << "Boot File" << (names.size() > 1 ? "s" : "") << " : ";
+  report << "Boot File" << (names.size() > 1 ? "s" : "") << " : ";
   std::string_view separator;
   for (const std::wstring& name : names) {
-    std::cout << separator;
+    report << separator;
     PrintAsStored(ToNarrow(name));
     separator = ", ";
   }
-  std::cout << LineEnd << LineEnd;
+  report << LineEnd << LineEnd;
 }
 
 void PrintReport(const Layout& layout, const std::vector<std::wstring>& names, SectorView sector) {
-  if (!layout.heading.empty()) std::cout << LineEnd << layout.heading << LineEnd << LineEnd;
+  if (!layout.heading.empty()) report << LineEnd << layout.heading << LineEnd << LineEnd;
   PrintNames(names);
-  std::cout << "Bootcode : " << LineEnd;
-  PrintLines(kDumpHeading);
+  report << "Bootcode : " << LineEnd;
+  report << kDumpHeading;
   // A last row stands below the full ones even when no byte is left for it.
   const Bytes code = FromAt(sector, layout.code);
   PrintDumpRows(code, code.size() / 16 + 1);
   if (layout.hasMessage) {
-    std::cout << LineEnd << "Message : " << LineEnd << LineEnd;
+    report << LineEnd << "Message : " << LineEnd << LineEnd;
     PrintChars(Part<kMessage, kMessageSize>(sector));
-    std::cout << LineEnd << LineEnd;
+    report << LineEnd << LineEnd;
   }
-  std::cout << LineEnd << LineEnd;
+  report << LineEnd << LineEnd;
 }
 
 void RegisterRest(const Layout& layout, u64 sector) {
@@ -106,10 +104,9 @@ void RegisterRest(const Layout& layout, u64 sector) {
 }  // namespace
 
 u64 DecodeNtfsBootCode(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, 512> buffer{};
-  if (!ReadRecord(buffer)) return kEndPass;
-  const SectorView code(buffer);
+  const auto record = OpenRecord(description, sector, print);
+  if (!record) return kEndPass;
+  const SectorView code(*record);
 
   const Name loader = NameAt(code, kNames);
   const Name index = NameAt(code, loader.next);

@@ -5,24 +5,18 @@
 // Checked: the end mark. Not checked: cluster numbers and the volume's length, which are registered as found;
 // the offsets of the messages, whose texts end with the sector.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
+#include "refimages/boot_sector.h"
 #include "refimages/catalogue.h"
 #include "volumes/ntfs_bpb.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kJump = 0x000;                // 3 bytes
-constexpr std::size_t kOemName = 0x003;             // 8 characters
 constexpr std::size_t kMessageOffsetWords = 0x1F6;  // u16 each, of 3 messages
 constexpr std::size_t kMessageOffsetBytes = 0x1F8;  // u8 each, of 4 messages
-constexpr std::size_t kEndMark = 0x1FE;             // 0x55 0xAA
 
 // A release whose boot code is known. Its first message stands at a fixed place; the others are as far from
 // it as the offsets stored for them are from the first one's.
@@ -55,45 +49,31 @@ const Release* IdentifyRelease(SectorView boot) {
   return nullptr;
 }
 
-bool HasEndMark(SectorView boot) {
-  return Le16<kEndMark>(boot) == 0xAA55;
-}
-
-NtfsBpb BpbOf(SectorView boot) {
-  return Part<kNtfsBpb, kNtfsBpbSize>(boot);
-}
-
 void PrintMessages(const Release& release, SectorView boot) {
   const bool words = release.offsets == MessageOffsets::kThreeWords;
   const auto offset = [&](u64 index) -> u64 {
     return words ? Le16At(boot, kMessageOffsetWords + 2 * index) : U8At(boot, kMessageOffsetBytes + index);
   };
-  const int count = words ? 3 : 4;
-  for (int i = 0; i < count; ++i) {
+  const std::size_t count = words ? 3 : 4;
+  for (std::size_t i = 0; i < count; ++i) {
     // A position before the sector wraps to one far behind it; outside the sector the text is empty.
-    PrintErrorMessage(i + 1, " [ ",
-                      FromAt(boot, release.firstMessage + offset(static_cast<u64>(i)) - offset(0)));
+    PrintErrorMessage(i + 1, " [ ", FromAt(boot, release.firstMessage + offset(i) - offset(0)));
   }
 }
 
 void PrintReport(SectorView boot) {
   const Release* release = IdentifyRelease(boot);
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading(release != nullptr ? release->heading : "Unknown NTFS Boot Sector");
-  std::cout << "Jump Instruction To Boot Code : ";
-  PrintBracketedHexBytes(Part<kJump, 3>(boot));
-  std::cout << LineEnd << "OEM Name                      : [ ";
-  PrintChars(Part<kOemName, 8>(boot));
-  std::cout << " ]" << LineEnd;
-  PrintNtfsBpb(BpbOf(boot));
+  PrintFields(boot, kBootSectorStart);
+  PrintNtfsBpb(boot);
   if (release != nullptr) {
     PrintCodeSection(release->codeHeading, StretchOf(release->code, boot));
     PrintMessages(*release, boot);
-    std::cout << LineEnd;
+    report << LineEnd;
   }
-  std::cout << "Sector End Mark               : 0x";
-  PrintReversedHexBytes(Part<kEndMark, 2>(boot));
-  std::cout << LineEnd << LineEnd;
+  PrintFields(boot, kBootSectorEnd);
+  report << LineEnd;
 }
 
 // As a factor, 0x80 is the power of two that wraps to 1, where the report shows it as a plain 128.
@@ -101,49 +81,35 @@ u64 SectorsPerCluster(u8 stored) {
   return stored > 127 ? u64{1} << ((0x100U - stored) % 32) : stored;
 }
 
-void Register(SectorView boot, WideText description, u64 sector) {
-  const NtfsBpb bpb = BpbOf(boot);
-  const u64 cluster = SectorsPerCluster(U8<kNtfsSectorsPerCluster>(bpb));
+void Register(SectorView boot, u64 sector) {
+  const u64 cluster = SectorsPerCluster(U8<kBpbSectorsPerCluster>(boot));
   // On 4096-byte sectors all of the boot code is in the first one.
   if (disk.bytesPerSector != 4096) AddTocEntry(disk, sector + 1, DecodeNtfsBootCode, L"NTFS boot sector +1");
-  AddTocEntry(disk, sector, DecodeNtfsBootSector, description);
-  AddTocEntry(disk, sector + Le64<kNtfsMftMirror>(bpb) * cluster, DumpLabelledRawSector, L"MFTMirr");
-  AddTocEntry(disk, sector + Le64<kNtfsMft>(bpb) * cluster, DumpLabelledRawSector, L"MFT");
-  AddTocEntry(disk, sector + Le64<kNtfsTotalSectors>(bpb), DecodeNtfsBackupBootSector,
+  AddTocEntry(disk, sector + Le64<kNtfsMftMirror>(boot) * cluster, DumpLabelledRawSector, L"MFTMirr");
+  AddTocEntry(disk, sector + Le64<kNtfsMft>(boot) * cluster, DumpLabelledRawSector, L"MFT");
+  AddTocEntry(disk, sector + Le64<kNtfsTotalSectors>(boot), DecodeNtfsBackupBootSector,
               L"Backup NTFS boot sector");
 }
 
 }  // namespace
 
 u64 DecodeNtfsBootSector(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, 512> buffer{};
-  if (!ReadRecord(buffer)) return kEndPass;
-  const SectorView boot(buffer);
-
-  if (!HasEndMark(boot)) {
-    std::cout << "Not a valid NTFS boot sector end marker @ sector # " << sector << LineEnd;
-    return kEndPass;
-  }
+  const auto record = OpenRecord(description, sector, print);
+  if (!record) return kEndPass;
+  const SectorView boot(*record);
+  if (!CheckEndMark(boot, "NTFS boot sector", sector)) return kEndPass;
   if (print) PrintReport(boot);
   // The dump's own failure to read does not keep the volume's sectors from being registered.
-  if (!SeekToSector(sector)) return kEndPass;
-  DumpRawSector(L"as a raw sector", sector, print);
-  Register(boot, description, sector);
-  return sector + 1;
+  const u64 next = DumpAsRawSectorAndGoOn(sector, print);
+  if (next != kEndPass) Register(boot, sector);
+  return next;
 }
 
 u64 DecodeNtfsBackupBootSector(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, 512> buffer{};
-  if (!ReadRecord(buffer)) return kEndPass;
-  const SectorView boot(buffer);
-
-  if (!HasEndMark(boot)) {
-    std::cout << "Not a valid NTFS backup boot sector end marker @ sector # " << sector << LineEnd;
-  } else if (print) {
-    PrintReport(boot);
-  }
+  const auto record = OpenRecord(description, sector, print);
+  if (!record) return kEndPass;
+  const SectorView boot(*record);
+  if (CheckEndMark(boot, "NTFS backup boot sector", sector) && print) PrintReport(boot);
   return DumpAsRawSector(sector, print);
 }
 

@@ -7,43 +7,31 @@
 
 #include "volumes/ntfs_bpb.h"
 
-#include <iostream>
-
-#include "frame/field_table.h"
-#include "frame/fields.h"
+#include "frame/report/verbs.h"
+#include "refimages/boot_sector.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kBytesPerSector = 0x00B - kNtfsBpb;            // u16
-constexpr std::size_t kReservedSectors = 0x00E - kNtfsBpb;           // u16
-constexpr std::size_t kMediaDescriptor = 0x015 - kNtfsBpb;           // u8
-constexpr std::size_t kSectorsPerTrack = 0x018 - kNtfsBpb;           // u16
-constexpr std::size_t kHeads = 0x01A - kNtfsBpb;                     // u16
-constexpr std::size_t kHiddenSectors = 0x01C - kNtfsBpb;             // u32
-constexpr std::size_t kClustersPerRecordSegment = 0x040 - kNtfsBpb;  // i32, encoded
-constexpr std::size_t kClustersPerIndexBlock = 0x044 - kNtfsBpb;     // u32
-constexpr std::size_t kVolumeSerial = 0x048 - kNtfsBpb;              // 8 bytes
-
 constexpr FieldRow kSectorSize[] = {
-    {"\tBytes/Sector               : ", kBytesPerSector, Format::kLe16},
+    {"\tBytes/Sector               : ", kBpbBytesPerSector, kLe16},
 };
 constexpr FieldRow kGeometryAndMetadata[] = {
-    {"\tReserved Sector Count      : ", kReservedSectors, Format::kLe16},
-    {"\tMedia Type                 : ", kMediaDescriptor, Format::kMediaType},
-    {"\tSectors/Track              : ", kSectorsPerTrack, Format::kLe16},
-    {"\tNumber Of Heads            : ", kHeads, Format::kLe16},
-    {"\tHidden Sectors             : ", kHiddenSectors, Format::kLe32},
-    {"\tTotal Sectors On Volume    : ", kNtfsTotalSectors, Format::kLe64},
-    {"\t$MFT start cluster #       : ", kNtfsMft, Format::kLe64},
-    {"\t$MFTMirror start cluster # : ", kNtfsMftMirror, Format::kLe64},
+    {"\tReserved Sector Count      : ", kBpbReservedSectors, kLe16},
+    {"\tMedia Type                 : ", kBpbMedia, kMediaType},
+    {"\tSectors/Track              : ", kBpbSectorsPerTrack, kLe16},
+    {"\tNumber Of Heads            : ", kBpbHeads, kLe16},
+    {"\tHidden Sectors             : ", kBpbHiddenSectors, kLe32},
+    {"\tTotal Sectors On Volume    : ", kNtfsTotalSectors, kLe64},
+    {"\t$MFT start cluster #       : ", kNtfsMft, kLe64},
+    {"\t$MFTMirror start cluster # : ", kNtfsMftMirror, kLe64},
 };
 constexpr FieldRow kIndexAndSerial[] = {
-    {"\tClusters/Index Block       : ", kClustersPerIndexBlock, Format::kLe32},
-    {"\tVolume Serial Number       : 0x", kVolumeSerial, Format::kVolumeSerial},
+    {"\tClusters/Index Block       : ", kNtfsIndexBlock, kLe32},
+    {"\tVolume Serial Number       : 0x", kNtfsVolumeSerial, VolumeSerial(8)},
 };
-static_assert(FieldsFit(kSectorSize, kNtfsBpbSize) && FieldsFit(kGeometryAndMetadata, kNtfsBpbSize) &&
-              FieldsFit(kIndexAndSerial, kNtfsBpbSize));
+static_assert(FieldsFit(kSectorSize, 512) && FieldsFit(kGeometryAndMetadata, 512) &&
+              FieldsFit(kIndexAndSerial, 512));
 
 // Above 0x80 the byte is the negative exponent of two; 0x80 itself is a plain 128 here.
 u32 ShownSectorsPerCluster(u8 stored) {
@@ -59,16 +47,16 @@ i32 ShownClustersPerRecordSegment(u32 stored) {
 
 }  // namespace
 
-void PrintNtfsBpb(NtfsBpb bpb) {
-  std::cout << LineEnd;
+void PrintNtfsBpb(SectorView bootSector) {
+  report << LineEnd;
   PrintHeading("BIOS Parameter Block", "\t");
-  PrintFields(bpb, kSectorSize);
-  std::cout << "\tSectors/Cluster            : " << ShownSectorsPerCluster(U8<kNtfsSectorsPerCluster>(bpb))
-            << LineEnd;
-  PrintFields(bpb, kGeometryAndMetadata);
-  std::cout << "\tClusters/File Record Seg.  : "
-            << ShownClustersPerRecordSegment(Le32<kClustersPerRecordSegment>(bpb)) << LineEnd;
-  PrintFields(bpb, kIndexAndSerial);
+  PrintFields(bootSector, kSectorSize);
+  report << "\tSectors/Cluster            : " << ShownSectorsPerCluster(U8<kBpbSectorsPerCluster>(bootSector))
+         << LineEnd;
+  PrintFields(bootSector, kGeometryAndMetadata);
+  report << "\tClusters/File Record Seg.  : "
+         << ShownClustersPerRecordSegment(Le32<kNtfsFileRecordSegment>(bootSector)) << LineEnd;
+  PrintFields(bootSector, kIndexAndSerial);
 }
 
 }  // namespace trovisk

@@ -6,13 +6,9 @@
 // Not checked: the signature; offsets and lengths, which end where the bytes read end. The table references
 // are not followed.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "volumes/refs_page.h"
 
 namespace trovisk {
@@ -37,60 +33,77 @@ constexpr std::size_t kPointerCount = 0x90;          // u32
 constexpr std::size_t kPointers = 0x94;              // u32 each, bytes from the start of the page
 
 constexpr FieldRow kPointerFields[] = {
-    {"Ptr To Object ID Table Ref             : ", kPointers + 0x00, Format::kLe32},
-    {"Ptr To Medium Allocator Table Ref      : ", kPointers + 0x04, Format::kLe32},
-    {"Ptr To Container Allocator Table Ref   : ", kPointers + 0x08, Format::kLe32},
-    {"Ptr To Schema Table Ref                : ", kPointers + 0x0C, Format::kLe32},
-    {"Ptr To Parent Child Table Ref          : ", kPointers + 0x10, Format::kLe32},
-    {"Ptr To Object ID Table Ref (duplicate) : ", kPointers + 0x14, Format::kLe32},
-    {"Ptr To Block Reference Count Table Ref : ", kPointers + 0x18, Format::kLe32},
-    {"Ptr To Container Table Ref             : ", kPointers + 0x1C, Format::kLe32},
-    {"Ptr To Container Table Ref (duplicate) : ", kPointers + 0x20, Format::kLe32},
-    {"Ptr to Schema Table Ref (duplicate)    : ", kPointers + 0x24, Format::kLe32},
-    {"Ptr To Container Index Table Ref       : ", kPointers + 0x28, Format::kLe32},
-    {"Ptr To Integrity State Table Ref       : ", kPointers + 0x2C, Format::kLe32},
-    {"Ptr To Small Allocator Table Ref       : ", kPointers + 0x30, Format::kLe32},
+    {"Ptr To Object ID Table Ref             : ", kPointers + 0x00, kLe32},
+    {"Ptr To Medium Allocator Table Ref      : ", kPointers + 0x04, kLe32},
+    {"Ptr To Container Allocator Table Ref   : ", kPointers + 0x08, kLe32},
+    {"Ptr To Schema Table Ref                : ", kPointers + 0x0C, kLe32},
+    {"Ptr To Parent Child Table Ref          : ", kPointers + 0x10, kLe32},
+    {"Ptr To Object ID Table Ref (duplicate) : ", kPointers + 0x14, kLe32},
+    {"Ptr To Block Reference Count Table Ref : ", kPointers + 0x18, kLe32},
+    {"Ptr To Container Table Ref             : ", kPointers + 0x1C, kLe32},
+    {"Ptr To Container Table Ref (duplicate) : ", kPointers + 0x20, kLe32},
+    {"Ptr to Schema Table Ref (duplicate)    : ", kPointers + 0x24, kLe32},
+    {"Ptr To Container Index Table Ref       : ", kPointers + 0x28, kLe32},
+    {"Ptr To Integrity State Table Ref       : ", kPointers + 0x2C, kLe32},
+    {"Ptr To Small Allocator Table Ref       : ", kPointers + 0x30, kLe32},
 };
-static_assert(FieldsFit(kPointerFields, kRecordSize));
+constexpr FieldRow kFlagFields[] = {
+    {"Unknown Flag#1              : 0x", kUnknownFlag1, ReversedHexBytes(2)},
+    {"Unknown Flag#2              : 0x", kUnknownFlag2, ReversedHexBytes(2)},
+};
+constexpr FieldRow kDescriptorLengthField[] = {
+    {"Length Of Self-Descriptor   : ", kSelfDescriptorLength, kLe32},
+};
+constexpr FieldRow kClockFields[] = {
+    {"Checkpoint Virtual Clock    : ", kCheckpointClock, kLe64},
+    {"Allocator Virtual Clock     : ", kAllocatorClock, kLe64},
+};
+constexpr FieldRow kCountFields[] = {
+    {"Unknown Buffer Length       : ", kBufferLength, kLe32},
+    {"Pointer Count               : ", kPointerCount, kLe32},
+};
+static_assert(FieldsFit(kFlagFields, kRecordSize) && FieldsFit(kDescriptorLengthField, kRecordSize) &&
+              FieldsFit(kClockFields, kRecordSize) && FieldsFit(kCountFields, kRecordSize) &&
+              FieldsFit(kPointerFields, kRecordSize));
 
-// The offset leaves the stream in hexadecimal, and the numbers behind it come out so until a field returns to
+void PrintHexLineKeepingBase(std::string_view label, u64 value, std::size_t width) {
+  report << label;
+  PrintHexKeepingBase(value, width);
+  report << LineEnd;
+}
+
+// The offset leaves the report in hexadecimal, and the numbers behind it come out so until a field returns to
 // decimal: the first byte of the self-descriptor, where there is one. The hexadecimal fields further down
 // keep the base that they find.
 void PrintReport(CheckpointView page) {
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("ReFS CHKP");
   PrintReFsPageHeader(Part<0, kReFsPageHeaderSize>(page), "");
-  std::cout << "Unknown Flag#1              : 0x";
-  PrintHex(Le16<kUnknownFlag1>(page), 4);
-  std::cout << LineEnd << "Unknown Flag#2              : 0x";
-  PrintHex(Le16<kUnknownFlag2>(page), 4);
-  std::cout << LineEnd << "ReFS Version                : " << Le16<kVersionMajor>(page) << "."
-            << Le16<kVersionMinor>(page) << LineEnd << "Offset To Self-Descriptor   : 0x";
+  PrintFields(page, kFlagFields);
+  report << "ReFS Version                : " << Le16<kVersionMajor>(page) << "." << Le16<kVersionMinor>(page)
+         << LineEnd;
+  report << "Offset To Self-Descriptor   : 0x";
   PrintHexStayingHex(Le32<kSelfDescriptorOffset>(page), 8);
-  std::cout << LineEnd << "Length Of Self-Descriptor   : " << Le32<kSelfDescriptorLength>(page) << LineEnd;
+  report << LineEnd;
+  PrintFields(page, kDescriptorLengthField);
   PrintSelfDescriptor(page, Le32<kSelfDescriptorOffset>(page), Le32<kSelfDescriptorLength>(page));
 
-  std::cout << "Checkpoint Virtual Clock    : " << Le64<kCheckpointClock>(page) << LineEnd
-            << "Allocator Virtual Clock     : " << Le64<kAllocatorClock>(page) << LineEnd
-            << "Oldest Log Record Reference : 0x";
-  PrintHexKeepingBase(Le64<kOldestLogRecord>(page), 16);
-  std::cout << LineEnd << "Unknown                     : 0x";
-  PrintHexKeepingBase(Le64<kUnknown>(page), 8);
-  std::cout << LineEnd << "Unknown Buffer Offset       : 0x";
-  PrintHexKeepingBase(Le32<kBufferOffset>(page), 8);
-  std::cout << LineEnd << "Unknown Buffer Length       : " << Le32<kBufferLength>(page) << LineEnd
-            << "Pointer Count               : " << Le32<kPointerCount>(page) << LineEnd << LineEnd;
+  PrintFields(page, kClockFields);
+  PrintHexLineKeepingBase("Oldest Log Record Reference : 0x", Le64<kOldestLogRecord>(page), 16);
+  PrintHexLineKeepingBase("Unknown                     : 0x", Le64<kUnknown>(page), 8);
+  PrintHexLineKeepingBase("Unknown Buffer Offset       : 0x", Le32<kBufferOffset>(page), 8);
+  PrintFields(page, kCountFields);
+  report << LineEnd;
   PrintFields(page, kPointerFields);
-  std::cout << LineEnd << LineEnd;
+  report << LineEnd << LineEnd;
 }
 
 }  // namespace
 
 u64 DecodeReFsCheckpoint(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, kRecordSize> record{};
-  if (!ReadRecord(record)) return kEndPass;
-  if (print) PrintReport(CheckpointView(record));
+  const auto record = OpenRecord<kRecordSize>(description, sector, print);
+  if (!record) return kEndPass;
+  if (print) PrintReport(CheckpointView(*record));
   return DumpAsRawSector(sector, print);
 }
 

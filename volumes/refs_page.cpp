@@ -7,9 +7,8 @@
 
 #include "volumes/refs_page.h"
 
-#include <iostream>
-
-#include "frame/fields.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
 
 namespace trovisk {
 namespace {
@@ -24,6 +23,15 @@ constexpr std::size_t kPageLcns = 0x20;         // four u64
 constexpr std::size_t kTableIdHigh = 0x40;      // u64
 constexpr std::size_t kTableIdLow = 0x48;       // u64
 
+constexpr FieldRow kHeaderFields[] = {
+    {"Page Signature              : [", kSignature, Chars(4), "]"},
+    {"Unknown                     : 0x", kUnknown, ReversedHexBytes(4)},
+    {"Volume Signature            : 0x", kVolumeSignature, ReversedHexBytes(4)},
+    {"Virtual Allocator Clock     : ", kAllocatorClock, kLe64},
+    {"Tree Update Clock           : ", kTreeClock, kLe64},
+};
+static_assert(FieldsFit(kHeaderFields, kReFsPageHeaderSize));
+
 // Page reference.
 constexpr u64 kReferenceLcns = 0x00;   // four u64
 constexpr u64 kChecksumType = 0x22;    // u8
@@ -37,20 +45,20 @@ constexpr u8 kCrc64 = 2;
 
 constexpr std::size_t kLcns = 4;
 
+constexpr ValueName kChecksumTypes[] = {
+    {kCrc32C, "CRC32-C"},
+    {kCrc64, "CRC64-ECMA-182"},
+};
+
 void PrintChecksumType(u8 type) {
-  std::cout << "            Checkum Type    : ";
-  switch (type) {
-    case kCrc32C:
-      std::cout << "CRC32-C";
-      break;
-    case kCrc64:
-      std::cout << "CRC64-ECMA-182";
-      break;
-    default:
-      std::cout << "Unknown - " << unsigned{type};
-      break;
+  report << "            Checkum Type    : ";  // sic
+  const std::string_view name = NameOf(type, kChecksumTypes);
+  if (name.empty()) {
+    report << "Unknown - " << type;
+  } else {
+    report << name;
   }
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 // A number where type and length go together, else byte by byte. The length counts as a signed number.
@@ -68,51 +76,45 @@ void PrintChecksum(Bytes reference, u8 type, u64 position, u16 length) {
 }  // namespace
 
 void PrintReFsPageHeader(FixedBytes<kReFsPageHeaderSize> header, std::string_view lcnPrefix) {
-  std::cout << "Page Signature              : [";
-  PrintChars(Part<kSignature, 4>(header));
-  std::cout << "]" << LineEnd << "Unknown                     : 0x";
-  PrintHex(Le32<kUnknown>(header), 8);
-  std::cout << LineEnd << "Volume Signature            : 0x";
-  PrintHex(Le32<kVolumeSignature>(header), 8);
-  std::cout << LineEnd << "Virtual Allocator Clock     : " << Le64<kAllocatorClock>(header) << LineEnd
-            << "Tree Update Clock           : " << Le64<kTreeClock>(header) << LineEnd;
+  PrintFields(header, kHeaderFields);
   for (std::size_t i = 0; i < kLcns; ++i) {
-    std::cout << "Logical Cluster Number #" << i << "   : " << lcnPrefix;
+    report << "Logical Cluster Number #" << i << "   : " << lcnPrefix;
     PrintHex(Le64At(Part<kPageLcns, kLcns * 8>(header), 8 * i), 16);
-    std::cout << LineEnd;
+    report << LineEnd;
   }
-  std::cout << "Table Identifier            : ";
+  report << "Table Identifier            : ";
   PrintHex(Le64<kTableIdHigh>(header), 16);
-  std::cout << "-";
+  report << "-";
   PrintHex(Le64<kTableIdLow>(header), 16);
-  std::cout << LineEnd;
+  report << LineEnd;
 }
 
 void PrintSelfDescriptor(Bytes page, u32 offset, u32 length) {
   constexpr u32 kLargestSigned = 0x7FFFFFFF;
-  std::cout << "Self Descriptor             : 0x";
+  report << "Self Descriptor             : 0x";
   if (length <= kLargestSigned) PrintHexBytes(SliceAt(page, offset, length));
-  std::cout << LineEnd;
+  report << LineEnd;
   if (length >= kShortestReference) PrintPageReference(FromAt(page, offset));
 }
 
 void PrintPageReference(Bytes reference) {
-  std::cout << LineEnd;
+  report << LineEnd;
   for (std::size_t i = 0; i < kLcns; ++i) {
-    std::cout << "            LCN#" << i << "           : 0x";
+    report << "            LCN#" << i << "           : 0x";
     PrintHex(Le64At(reference, kReferenceLcns + 8 * i), 16);
-    std::cout << LineEnd;
+    report << LineEnd;
   }
   const u8 type = U8At(reference, kChecksumType);
   const u8 offset = U8At(reference, kChecksumOffset);
   const u16 length = Le16At(reference, kChecksumLength);
   PrintChecksumType(type);
-  std::cout << "            Checkum Offset  : 0x";
+  report << "            Checkum Offset  : 0x";  // sic
   PrintHexByte(offset);
-  std::cout << LineEnd << "            Checksum Length : " << length << LineEnd
-            << "            Checksum        : 0x";
+  report << LineEnd;
+  report << "            Checksum Length : " << length << LineEnd;
+  report << "            Checksum        : 0x";
   PrintChecksum(reference, type, kChecksumBase + offset, length);
-  std::cout << LineEnd << LineEnd;
+  report << LineEnd << LineEnd;
 }
 
 }  // namespace trovisk

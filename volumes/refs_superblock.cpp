@@ -5,14 +5,12 @@
 // Layout: as published by researchers of the file system, whose makers have not described it.
 // Not checked: the signature; offsets and counts, which end where the bytes read end.
 
-#include <array>
-#include <iostream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
-#include "frame/fields.h"
 #include "frame/global.h"
+#include "frame/report/field_table.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
 #include "volumes/refs_page.h"
+#include "volumes/volumes_state.h"
 
 namespace trovisk {
 namespace {
@@ -23,6 +21,18 @@ constexpr std::size_t kReferencesOffset = 0x70;      // u32, bytes from the star
 constexpr std::size_t kReferenceCount = 0x74;        // u32
 constexpr std::size_t kSelfDescriptorOffset = 0x78;  // u32, bytes from the start of the page
 constexpr std::size_t kSelfDescriptorLength = 0x7C;  // u32, bytes
+
+constexpr FieldRow kFields[] = {
+    {"Unknown GUID                : {", kGuid, kGuidText, "}"},
+    {"Superblock Version          : ", kVersion, kLe64},
+    {"Offset to Checkpoint Refs   : 0x", kReferencesOffset, ReversedHexBytes(4)},
+    {"Number Of Checkpoint Refs   : ", kReferenceCount, kLe32},
+};
+constexpr FieldRow kSelfDescriptorFields[] = {
+    {"Offset To Self-Descriptor   : 0x", kSelfDescriptorOffset, ReversedHexBytes(4)},
+    {"Length Of Self-Descriptor   : ", kSelfDescriptorLength, kLe32},
+};
+static_assert(FieldsFit(kFields, 512) && FieldsFit(kSelfDescriptorFields, 512));
 
 // The clusters of the checkpoints, as a list of u64. It ends at the first that was not read as a whole.
 constexpr std::size_t kReferenceSize = 8;
@@ -41,32 +51,23 @@ Bytes References(SectorView page) {
 }
 
 void PrintReport(SectorView page) {
-  std::cout << LineEnd;
+  report << LineEnd;
   PrintHeading("ReFS SUPB");
   PrintReFsPageHeader(Part<0, kReFsPageHeaderSize>(page), "0x");
-  std::cout << "Unknown GUID                : {";
-  PrintGuid(Part<kGuid, 16>(page));
-  std::cout << "}" << LineEnd << "Superblock Version          : " << Le64<kVersion>(page) << LineEnd
-            << "Offset to Checkpoint Refs   : 0x";
-  PrintHex(Le32<kReferencesOffset>(page), 8);
-  std::cout << LineEnd << "Number Of Checkpoint Refs   : " << Le32<kReferenceCount>(page) << LineEnd;
-
+  PrintFields(page, kFields);
   const Bytes references = References(page);
   for (std::size_t i = 0; i < ReferenceCount(references); ++i) {
-    std::cout << "Checkpoint Reference #" << i + 1 << "     : 0x";
+    report << "Checkpoint Reference #" << i + 1 << "     : 0x";
     PrintHex(Reference(references, i), 16);
-    std::cout << LineEnd;
+    report << LineEnd;
   }
-
-  std::cout << "Offset To Self-Descriptor   : 0x";
-  PrintHex(Le32<kSelfDescriptorOffset>(page), 8);
-  std::cout << LineEnd << "Length Of Self-Descriptor   : " << Le32<kSelfDescriptorLength>(page) << LineEnd;
+  PrintFields(page, kSelfDescriptorFields);
   PrintSelfDescriptor(page, Le32<kSelfDescriptorOffset>(page), Le32<kSelfDescriptorLength>(page));
-  std::cout << LineEnd << LineEnd;
+  report << LineEnd << LineEnd;
 }
 
 void RegisterCheckpoints(SectorView page) {
-  const ReFsVolumeContext& volume = disk.refsVolume;
+  const ReFsVolumeContext& volume = refsVolume;
   if (volume.volumeSector == 0 || volume.sectorsPerCluster == 0) return;
   const Bytes references = References(page);
   for (std::size_t i = 0; i < ReferenceCount(references); ++i) {
@@ -78,11 +79,10 @@ void RegisterCheckpoints(SectorView page) {
 }  // namespace
 
 u64 DecodeReFsSuperblock(WideText description, u64 sector, bool print) {
-  if (print) PrintSectorHeader(description, sector);
-  std::array<u8, 512> record{};
-  if (!ReadRecord(record)) return kEndPass;
+  const auto record = OpenRecord(description, sector, print);
+  if (!record) return kEndPass;
   if (print) {
-    const SectorView page(record);
+    const SectorView page(*record);
     PrintReport(page);
     // With the report alone: the pass that prints comes to the checkpoints by itself.
     RegisterCheckpoints(page);

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <iostream>
 #include <sstream>
 
 #include "tests/disks/samples.h"
@@ -52,18 +51,8 @@ const std::vector<Sample>& Samples() {
   return samples;
 }
 
-struct ShownRun {
-  MemoryOutcome outcome;
-  std::string err;
-};
-
-ShownRun RunWith(const Disk& disk, const std::vector<Fault>& faults) {
-  std::ostringstream err;
-  std::streambuf* const before = std::cerr.rdbuf(err.rdbuf());
-  ShownRun run{RunInProcess({disk, faults}), ""};
-  std::cerr.rdbuf(before);
-  run.err = err.str();
-  return run;
+MemoryOutcome RunWith(const Disk& disk, const std::vector<Fault>& faults) {
+  return RunInProcess({disk, faults});
 }
 
 constexpr std::string_view kTable = "\n\tTable Of Contents\n";
@@ -152,9 +141,9 @@ class ReadFaults : public ::testing::TestWithParam<std::size_t> {
   void SetUp() override {
     sample_ = &Samples()[GetParam()];
     whole_ = RunWith(sample_->disk, {});
-    parts_ = PartsOf(whole_.outcome.out);
+    parts_ = PartsOf(whole_.out);
     ASSERT_FALSE(parts_.printed.empty());
-    const auto& reads = whole_.outcome.reads;
+    const auto& reads = whole_.reads;
     loads_ = static_cast<std::size_t>(
         std::find_if(reads.begin(), reads.end(),
                      [&](const ReadCall& read) { return read.reported > parts_.loading.size(); }) -
@@ -163,10 +152,10 @@ class ReadFaults : public ::testing::TestWithParam<std::size_t> {
     ASSERT_LT(loads_, reads.size());
   }
 
-  u64 SectorOfRead(std::size_t read) const { return whole_.outcome.reads[read].offset / kSectorSize; }
+  u64 SectorOfRead(std::size_t read) const { return whole_.reads[read].offset / kSectorSize; }
 
   std::string ReportBefore(std::size_t read) const {
-    return whole_.outcome.out.substr(0, static_cast<std::size_t>(whole_.outcome.reads[read].reported));
+    return whole_.out.substr(0, static_cast<std::size_t>(whole_.reads[read].reported));
   }
 
   // The sectors that are not printed when the loading pass ends at that read.
@@ -240,7 +229,7 @@ class ReadFaults : public ::testing::TestWithParam<std::size_t> {
   }
 
   const Sample* sample_ = nullptr;
-  ShownRun whole_;
+  MemoryOutcome whole_;
   Parts parts_;
   std::size_t loads_ = 0;  // reads of the loading pass
 };
@@ -258,14 +247,14 @@ std::vector<Kind> Kinds() {
 
 TEST_P(ReadFaults, TheNthReadFailsForEveryN) {
   for (const Kind& kind : Kinds()) {
-    for (std::size_t n = 0; n < whole_.outcome.reads.size(); ++n) {
+    for (std::size_t n = 0; n < whole_.reads.size(); ++n) {
       SCOPED_TRACE("read " + std::to_string(n + 1) + ", of sector " + std::to_string(SectorOfRead(n)));
       Fault fault = kind.fault;
       fault.nth = n + 1;
-      const ShownRun run = RunWith(sample_->disk, {fault});
-      EXPECT_EQ(run.outcome.status, 0);
+      const MemoryOutcome run = RunWith(sample_->disk, {fault});
+      EXPECT_EQ(run.status, 0);
       ExpectMessages(run.err, kind.layer, SectorOfRead(n), 1);
-      const Parts parts = PartsOf(run.outcome.out);
+      const Parts parts = PartsOf(run.out);
       if (n < loads_) {
         const std::vector<Sectors> notPrinted = NotPrinted(n);
         EXPECT_TRUE(SameText(parts.loading, ReportBefore(n)));
@@ -289,21 +278,21 @@ TEST_P(ReadFaults, EveryReadOfARegisteredSectorFails) {
       if (sector == kAnySector) continue;
       SCOPED_TRACE("sector " + std::to_string(sector));
       std::size_t load = loads_;
-      std::size_t print = whole_.outcome.reads.size();
-      for (std::size_t n = whole_.outcome.reads.size(); n-- > 0;) {
+      std::size_t print = whole_.reads.size();
+      for (std::size_t n = whole_.reads.size(); n-- > 0;) {
         if (SectorOfRead(n) == sector) (n < loads_ ? load : print) = n;
       }
       Fault fault = kind.fault;
       fault.calls = kAnySector;
       fault.sector = sector;
-      const ShownRun run = RunWith(sample_->disk, {fault});
-      EXPECT_EQ(run.outcome.status, 0);
-      if (print == whole_.outcome.reads.size() && load == loads_) {
-        EXPECT_EQ(run.outcome.out, whole_.outcome.out);  // never read at all
+      const MemoryOutcome run = RunWith(sample_->disk, {fault});
+      EXPECT_EQ(run.status, 0);
+      if (print == whole_.reads.size() && load == loads_) {
+        EXPECT_EQ(run.out, whole_.out);  // never read at all
         continue;
       }
       ExpectMessages(run.err, kind.layer, sector, 2);
-      const Parts parts = PartsOf(run.outcome.out);
+      const Parts parts = PartsOf(run.out);
       const std::vector<Sectors> notPrinted = load < loads_ ? NotPrinted(load) : std::vector<Sectors>{};
       EXPECT_TRUE(SameText(parts.loading, load < loads_ ? ReportBefore(load) : parts_.loading));
       EXPECT_TRUE(SameText(parts.printed, WithoutSectors(PrintedBefore(print, false), notPrinted)));

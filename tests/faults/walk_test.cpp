@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <iostream>
-
 #include "frame/global.h"
+#include "frame/report/report.h"
 #include "tests/support/expected.h"
 #include "tests/support/memory_device.h"
 
@@ -13,8 +12,7 @@ namespace {
 
 // Shows each call of a decoder as a line, in both passes.
 void Tell(WideText description, u64 sector, bool print) {
-  std::cout << '<' << std::string(description.begin(), description.end()) << ' ' << sector
-            << (print ? " printed>\n" : ">\n");
+  report << '<' << description << ' ' << sector << (print ? " printed>\n" : ">\n");
 }
 
 template <u64 Sectors>

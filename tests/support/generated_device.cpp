@@ -10,7 +10,8 @@
 #include <cstring>
 #include <string>
 
-#include "frame/device.h"
+#include "frame/disk/device.h"
+#include "frame/report/output.h"
 #include "tests/disks/fat.h"
 #include "tests/disks/gpt.h"
 #include "tests/disks/ldm.h"
@@ -144,7 +145,8 @@ ErrorCode CloseDevice(Device& device) {
   return 0;
 }
 
-ErrorCode WriteReport(const char* text, std::size_t size) {
+ErrorCode WriteOutput(Output output, const char* text, std::size_t size) {
+  if (output == Output::kErrors) return write(STDERR_FILENO, text, size) < 0 ? 1 : 0;
   static std::string tail;
   constexpr std::size_t kTail = 200;
   tail.append(text, size);
@@ -162,10 +164,10 @@ bool IsClosedPipe(ErrorCode /*error*/) {
   return false;
 }
 
-bool ReportIsTerminal() {
+bool IsTerminal(Output /*output*/) {
   return false;
 }
 
-void PrepareReport() {}
+void PrepareOutput() {}
 
 }  // namespace trovisk

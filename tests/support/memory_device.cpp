@@ -7,20 +7,20 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 
+#include "frame/disk/device.h"
 #include "frame/global.h"
+#include "frame/report/output.h"
 #include "frame/run.h"
-#include "gpt/gpt_state.h"
-#include "ldm/ldm_state.h"
 #include "tests/support/child.h"
 
 namespace trovisk::test {
 namespace {
 
 MemoryDisk inserted;
-bool keepsReport = false;  // in report below; else it goes to standard output
-std::string report;
+bool keepsOutput = false;  // in the two texts below; else it goes to the standard streams
+std::string reported;
+std::string complained;
 std::vector<ReadCall> reads;
 
 // In memory that is shared with child processes, so that the parent sees the calls of a run.
@@ -85,8 +85,6 @@ std::vector<char*> Argv(std::vector<std::string>& arguments) {
 
 int RunProgramOn(const MemoryDisk& disk, const std::vector<std::string>& arguments) {
   InsertDisk(disk);
-  for (const Registered& entry : disk.registered)
-    AddTocEntry(trovisk::disk, entry.sector, entry.decoder, entry.description);
   std::vector<std::string> words = {"trovisk"};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv = Argv(words);
@@ -117,25 +115,18 @@ MemoryOutcome RunOnMemory(const MemoryDisk& disk, const std::vector<std::string>
 }
 
 MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string>& arguments) {
-  trovisk::disk.Close();
-  trovisk::disk.toc.Clear();
-  trovisk::disk.refsVolume = {};
-  LastGptEntrySector = 0;
-  LdmConfigStartSector = LdmVblkEndSector = LdmKlogStartSector = 0;
-  std::streambuf* const buffer = std::cout.rdbuf();
-  std::cout.copyfmt(std::ios(nullptr));
-  std::cout.clear();
-  report.clear();
+  reported.clear();
+  complained.clear();
   reads.clear();
-  keepsReport = true;
+  keepsOutput = true;
   MemoryOutcome outcome;
   outcome.status = RunProgramOn(disk, arguments);
-  keepsReport = false;
-  std::cout.rdbuf(buffer);
-  outcome.out = WithoutDate(report);
+  keepsOutput = false;
+  outcome.out = WithoutDate(reported);
+  outcome.err = complained;
   outcome.reads = reads;
   for (ReadCall& read : outcome.reads)  // the date stands in front of all of them
-    read.reported -= report.size() - outcome.out.size();
+    read.reported -= reported.size() - outcome.out.size();
   outcome.calls = CallsSinceInsertion();
   return outcome;
 }
@@ -152,6 +143,8 @@ ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* /*argument*/
   device = Device{};
   if (const Fault* fault = Meet(Call::kOpen)) return fault->error;
   device.handle = 1;
+  for (const test::Registered& entry : test::inserted.registered)
+    AddTocEntry(disk, entry.sector, entry.decoder, entry.description);
   return 0;
 }
 
@@ -184,7 +177,7 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
   const u32 size = test::inserted.disk.SectorSize();
   const Fault* const fault = Meet(Call::kRead, size == 0 ? 0 : device.position / size);
-  if (test::keepsReport) test::reads.push_back({device.position, test::report.size()});
+  if (test::keepsOutput) test::reads.push_back({device.position, test::reported.size()});
   if (fault != nullptr && fault->error != 0) return fault->error;
   const u64 wanted = fault != nullptr ? std::min<u64>(count, fault->amount) : count;
   got = test::Fill(buffer, device.position, wanted);
@@ -198,15 +191,16 @@ ErrorCode CloseDevice(Device& device) {
   return fault != nullptr ? fault->error : 0;
 }
 
-ErrorCode WriteReport(const char* text, std::size_t count) {
-  const Fault* const fault = Meet(Call::kWriteReport);
+ErrorCode WriteOutput(Output output, const char* text, std::size_t count) {
+  const bool toReport = output == Output::kReport;
+  const Fault* const fault = toReport ? Meet(Call::kWriteReport) : nullptr;
   if (fault != nullptr) return fault->error;
-  if (test::keepsReport) {
-    test::report.append(text, count);
+  if (test::keepsOutput) {
+    (toReport ? test::reported : test::complained).append(text, count);
     return 0;
   }
   while (count > 0) {
-    const ssize_t written = write(STDOUT_FILENO, text, count);
+    const ssize_t written = write(toReport ? STDOUT_FILENO : STDERR_FILENO, text, count);
     if (written < 0) return static_cast<ErrorCode>(errno);
     text += written;
     count -= static_cast<std::size_t>(written);
@@ -218,10 +212,10 @@ bool IsClosedPipe(ErrorCode error) {
   return error == EPIPE;
 }
 
-bool ReportIsTerminal() {
-  return test::inserted.terminal;
+bool IsTerminal(Output output) {
+  return output == Output::kReport && test::inserted.terminal;
 }
 
-void PrepareReport() {}
+void PrepareOutput() {}
 
 }  // namespace trovisk

@@ -1,7 +1,7 @@
 // A disk in memory, linked in place of the operating system's side: any of its calls can be made to fail.
 //
-// One program has one such disk. A run on it is either a process of its own (RunOnMemory: nothing that a run
-// leaves behind reaches the next one) or takes place here (RunInProcess: fast, for the fuzzer).
+// One program has one such disk. A run on it is either a process of its own (RunOnMemory) or takes place here
+// (RunInProcess: fast, for the fuzzer).
 
 #ifndef TROVISK_TESTS_SUPPORT_MEMORY_DEVICE_H
 #define TROVISK_TESTS_SUPPORT_MEMORY_DEVICE_H
@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "frame/device.h"
+#include "frame/error_code.h"
+#include "frame/toc.h"
 #include "tests/disks/disk.h"
 
 namespace trovisk::test {
@@ -74,8 +75,7 @@ CallRecord CallsSinceInsertion();
 // Runs the program in a child process; arguments: disk argument, first sector, last sector, as needed.
 MemoryOutcome RunOnMemory(const MemoryDisk& disk, const std::vector<std::string>& arguments = {"mem"});
 
-// Runs the program in this process, from the state that it starts in. What goes to standard error goes to the
-// std::cerr of this process. A failing kWriteReport ends the process, as it does in the program.
+// Runs the program in this process. A failing kWriteReport ends the process, as it does in the program.
 MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string>& arguments = {"mem"});
 
 }  // namespace trovisk::test

@@ -1,6 +1,6 @@
 // The numbering of disks from the kernel's list.
 
-#include "frame/disk_numbers.h"
+#include "frame/disk/disk_numbers.h"
 
 #include <gtest/gtest.h>
 

@@ -2,25 +2,31 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/dump.h"
-#include "frame/hex_rows.h"
+#include <iomanip>
+#include <sstream>
+
+#include "frame/report/hex_rows.h"
+#include "frame/report/listing.h"
 #include "tests/unit/printed.h"
 
 namespace trovisk::test {
 namespace {
 
-// One field after the other, as a listing is described to be.
-void PrintRowsByField(Bytes bytes, std::size_t rows) {
+// One field after the other, as frame/report/hex_rows.h describes a row.
+std::string RowsByField(Bytes bytes, std::size_t rows) {
+  std::ostringstream text;
+  text << std::uppercase << std::hex << std::setfill('0');
   for (std::size_t row = 0; row < rows; ++row) {
-    std::cout << "0x" << std::uppercase << std::hex << std::setw(3) << std::setfill('0') << row * 16 << "  ";
+    text << "0x" << std::setw(3) << row * 16 << "  ";
     const Bytes cells = SliceAt(bytes, row * 16, 16);
     std::string characters;
     for (const u8 byte : cells) {
-      std::cout << std::setw(2) << unsigned{byte} << ' ';
+      text << std::setw(2) << unsigned{byte} << ' ';
       characters += byte >= 0x20 && byte <= 0x7E ? static_cast<char>(byte) : '.';
     }
-    std::cout << std::dec << std::string((16 - cells.size()) * 3 + 4, ' ') << characters << '\n';
+    text << std::string((16 - cells.size()) * 3 + 4, ' ') << characters << '\n';
   }
+  return text.str();
 }
 
 // Every byte value at every place of a row.
@@ -32,7 +38,7 @@ std::vector<u8> Mixed(std::size_t count) {
 }
 
 // What one of the ways of writing rows writes.
-std::string Rows(RowWriter writer, Bytes bytes, std::size_t offset) {
+std::string Rows(char* (*writer)(char*, Bytes, std::size_t), Bytes bytes, std::size_t offset) {
   std::vector<char> text((bytes.size() / kRowBytes + 1) * kRowText);
   return {text.data(), writer(text.data(), bytes, offset)};
 }
@@ -50,14 +56,14 @@ TEST(HexRows, BothWaysWriteARowAsItIsDescribed) {
 
 // Every byte at every place, odd numbers of rows, a rest of less than a row, offsets of three to five digits.
 TEST(HexRows, BothWaysWriteTheSame) {
-  if (RowWriterOfAvx2() == nullptr) GTEST_SKIP() << "this processor or this build has no AVX2";
+  if (!HasAvx2()) GTEST_SKIP() << "this processor or this build has no AVX2";
   const std::vector<u8> bytes = Mixed(256 * 16 + 15);
   for (std::size_t start = 0; start < 256; ++start) {
     const Bytes part = FromAt(bytes, start);
     for (const std::size_t count : {std::size_t{0}, std::size_t{15}, std::size_t{16}, std::size_t{31},
                                     std::size_t{32}, std::size_t{48}, std::size_t{63}, part.size()}) {
       for (const std::size_t offset : {0x0U, 0xFE0U, 0xFF0U, 0xFFF0U}) {
-        ASSERT_EQ(Rows(RowWriterOfAvx2(), part.first(count), offset),
+        ASSERT_EQ(Rows(PutRowsByAvx2, part.first(count), offset),
                   Rows(PutRowsByTable, part.first(count), offset))
             << count << " bytes from " << start << " on, offset " << offset;
       }
@@ -72,7 +78,7 @@ TEST(DumpRows, EveryLengthReadsAsFieldByField) {
        {0U, 1U, 15U, 16U, 17U, 511U, 512U, 513U, 528U, 4095U, 4096U, 4097U, 4112U, 8192U, 8200U}) {
     const std::vector<u8> bytes = Mixed(count);
     for (const std::size_t rows : {count / 16, count / 16 + 1, count / 16 + 257}) {
-      EXPECT_EQ(TextOf([&] { PrintDumpRows(bytes, rows); }), TextOf([&] { PrintRowsByField(bytes, rows); }))
+      EXPECT_EQ(TextOf([&] { PrintDumpRows(bytes, rows); }), RowsByField(bytes, rows))
           << count << " bytes, " << rows << " rows";
     }
   }
@@ -81,8 +87,7 @@ TEST(DumpRows, EveryLengthReadsAsFieldByField) {
 // The offset grows beyond three digits with sectors of more than 4096 bytes.
 TEST(DumpRows, OffsetsOfLargeSectors) {
   const std::vector<u8> bytes = Mixed(std::size_t{1} << 20);
-  EXPECT_EQ(TextOf([&] { PrintDumpRows(bytes, bytes.size() / 16); }),
-            TextOf([&] { PrintRowsByField(bytes, bytes.size() / 16); }));
+  EXPECT_EQ(TextOf([&] { PrintDumpRows(bytes, bytes.size() / 16); }), RowsByField(bytes, bytes.size() / 16));
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // Tables of report lines.
 
-#include "frame/field_table.h"
+#include "frame/report/field_table.h"
 
 #include <gtest/gtest.h>
 
@@ -16,47 +16,47 @@ std::string LineOf(const FieldRow& row) {
   return TextOf([&] { PrintFields(kRecord, std::array{row}); });
 }
 
-std::string LineOf(Format format, std::size_t offset = 0, std::size_t length = 0) {
-  return LineOf({"value : ", offset, format, length});
+std::string LineOf(const Format& format, std::size_t offset = 0) {
+  return LineOf({"value : ", offset, format});
 }
 
 TEST(PrintFields, DecimalNumbers) {
-  EXPECT_EQ(LineOf(Format::kU8), "value : 1\n");
-  EXPECT_EQ(LineOf(Format::kU8, 15), "value : 255\n");
-  EXPECT_EQ(LineOf(Format::kLe16), "value : 513\n");
-  EXPECT_EQ(LineOf(Format::kBe16), "value : 258\n");
-  EXPECT_EQ(LineOf(Format::kLe32), "value : 4093837825\n");
-  EXPECT_EQ(LineOf(Format::kBe32), "value : 16909300\n");
-  EXPECT_EQ(LineOf(Format::kLe64), "value : 17937781979256914433\n");
-  EXPECT_EQ(LineOf(Format::kBe64), "value : 72624893380653048\n");
+  EXPECT_EQ(LineOf(kU8), "value : 1\n");
+  EXPECT_EQ(LineOf(kU8, 15), "value : 255\n");
+  EXPECT_EQ(LineOf(kLe16), "value : 513\n");
+  EXPECT_EQ(LineOf(kBe16), "value : 258\n");
+  EXPECT_EQ(LineOf(kLe32), "value : 4093837825\n");
+  EXPECT_EQ(LineOf(kBe32), "value : 16909300\n");
+  EXPECT_EQ(LineOf(kLe64), "value : 17937781979256914433\n");
+  EXPECT_EQ(LineOf(kBe64), "value : 72624893380653048\n");
 }
 
 TEST(PrintFields, HexadecimalBytes) {
-  EXPECT_EQ(LineOf(Format::kHexBytes, 2, 4), "value : 03F4ABCD\n");
-  EXPECT_EQ(LineOf(Format::kReversedHexBytes, 2, 4), "value : CDABF403\n");
+  EXPECT_EQ(LineOf(HexBytes(4), 2), "value : 03F4ABCD\n");
+  EXPECT_EQ(LineOf(ReversedHexBytes(4), 2), "value : CDABF403\n");
 }
 
 TEST(PrintFields, Texts) {
-  EXPECT_EQ(LineOf(Format::kChars, 8, 3), "value : Tex\n");
-  EXPECT_EQ(LineOf(Format::kChars, 8, 8), "value : Text\n");
-  EXPECT_EQ(LineOf(Format::kChars, 13, 3), "value : x<CR><0xFF>\n");
+  EXPECT_EQ(LineOf(Chars(3), 8), "value : Tex\n");
+  EXPECT_EQ(LineOf(Chars(8), 8), "value : Text\n");
+  EXPECT_EQ(LineOf(Chars(3), 13), "value : x<CR><0xFF>\n");
 }
 
 TEST(PrintFields, Guids) {
-  EXPECT_EQ(LineOf(Format::kGuid), "value : f4030201-cdab-f8ef-5465-787400780dff\n");
-  EXPECT_EQ(LineOf(Format::kStoredGuid), "value : 010203F4-ABCD-EFF8-5465-787400780DFF\n");
+  EXPECT_EQ(LineOf(kGuidText), "value : f4030201-cdab-f8ef-5465-787400780dff\n");
+  EXPECT_EQ(LineOf(kStoredGuidText), "value : 010203F4-ABCD-EFF8-5465-787400780DFF\n");
 }
 
 TEST(PrintFields, NamesAndSerials) {
-  EXPECT_EQ(LineOf(Format::kMediaType, 7), "value : Fixed Hard Drive\n");
-  EXPECT_EQ(LineOf(Format::kMediaType, 0), "value : unknown\n");
-  EXPECT_EQ(LineOf(Format::kVolumeSerial), "value : F8EFCDABF4030201 (F403-0201)\n");
+  EXPECT_EQ(LineOf(kMediaType, 7), "value : Fixed Hard Drive\n");
+  EXPECT_EQ(LineOf(kMediaType, 0), "value : unknown\n");
+  EXPECT_EQ(LineOf(VolumeSerial(8)), "value : F8EFCDABF4030201 (F403-0201)\n");
 }
 
 TEST(PrintFields, RowsInTheirOrderWithTheirSuffixes) {
   constexpr FieldRow kRows[] = {
-      {.label = "Size : ", .offset = 1, .format = Format::kU8, .suffix = " (bytes)"},
-      {.label = "", .offset = 0, .format = Format::kLe16},
+      {.label = "Size : ", .offset = 1, .format = kU8, .suffix = " (bytes)"},
+      {.label = "", .offset = 0, .format = kLe16},
   };
   EXPECT_EQ(TextOf([&] { PrintFields(kRecord, kRows); }), "Size : 2 (bytes)\n513\n");
 }
@@ -65,50 +65,49 @@ constexpr bool Fits(const FieldRow& row, std::size_t size) {
   return FieldsFit(std::span(&row, 1), size);
 }
 
-// The length follows from the format, or is given.
 TEST(FieldsFit, FieldsThatEndWithTheStructure) {
-  EXPECT_TRUE(Fits({"", 15, Format::kU8}, 16));
-  EXPECT_TRUE(Fits({"", 15, Format::kMediaType}, 16));
-  EXPECT_TRUE(Fits({"", 14, Format::kLe16}, 16));
-  EXPECT_TRUE(Fits({"", 14, Format::kBe16}, 16));
-  EXPECT_TRUE(Fits({"", 12, Format::kLe32}, 16));
-  EXPECT_TRUE(Fits({"", 12, Format::kBe32}, 16));
-  EXPECT_TRUE(Fits({"", 8, Format::kLe64}, 16));
-  EXPECT_TRUE(Fits({"", 8, Format::kBe64}, 16));
-  EXPECT_TRUE(Fits({"", 8, Format::kVolumeSerial}, 16));
-  EXPECT_TRUE(Fits({"", 0, Format::kGuid}, 16));
-  EXPECT_TRUE(Fits({"", 0, Format::kStoredGuid}, 16));
-  EXPECT_TRUE(Fits({"", 3, Format::kHexBytes, 13}, 16));
-  EXPECT_TRUE(Fits({"", 3, Format::kReversedHexBytes, 13}, 16));
-  EXPECT_TRUE(Fits({"", 3, Format::kChars, 13}, 16));
+  EXPECT_TRUE(Fits({"", 15, kU8}, 16));
+  EXPECT_TRUE(Fits({"", 15, kMediaType}, 16));
+  EXPECT_TRUE(Fits({"", 14, kLe16}, 16));
+  EXPECT_TRUE(Fits({"", 14, kBe16}, 16));
+  EXPECT_TRUE(Fits({"", 12, kLe32}, 16));
+  EXPECT_TRUE(Fits({"", 12, kBe32}, 16));
+  EXPECT_TRUE(Fits({"", 8, kLe64}, 16));
+  EXPECT_TRUE(Fits({"", 8, kBe64}, 16));
+  EXPECT_TRUE(Fits({"", 8, VolumeSerial(8)}, 16));
+  EXPECT_TRUE(Fits({"", 0, kGuidText}, 16));
+  EXPECT_TRUE(Fits({"", 0, kStoredGuidText}, 16));
+  EXPECT_TRUE(Fits({"", 3, HexBytes(13)}, 16));
+  EXPECT_TRUE(Fits({"", 3, ReversedHexBytes(13)}, 16));
+  EXPECT_TRUE(Fits({"", 3, Chars(13)}, 16));
 }
 
 TEST(FieldsFit, FieldsOneByteTooFar) {
-  EXPECT_FALSE(Fits({"", 16, Format::kU8}, 16));
-  EXPECT_FALSE(Fits({"", 16, Format::kMediaType}, 16));
-  EXPECT_FALSE(Fits({"", 15, Format::kLe16}, 16));
-  EXPECT_FALSE(Fits({"", 15, Format::kBe16}, 16));
-  EXPECT_FALSE(Fits({"", 13, Format::kLe32}, 16));
-  EXPECT_FALSE(Fits({"", 13, Format::kBe32}, 16));
-  EXPECT_FALSE(Fits({"", 9, Format::kLe64}, 16));
-  EXPECT_FALSE(Fits({"", 9, Format::kBe64}, 16));
-  EXPECT_FALSE(Fits({"", 9, Format::kVolumeSerial}, 16));
-  EXPECT_FALSE(Fits({"", 1, Format::kGuid}, 16));
-  EXPECT_FALSE(Fits({"", 1, Format::kStoredGuid}, 16));
-  EXPECT_FALSE(Fits({"", 4, Format::kHexBytes, 13}, 16));
-  EXPECT_FALSE(Fits({"", 4, Format::kReversedHexBytes, 13}, 16));
-  EXPECT_FALSE(Fits({"", 4, Format::kChars, 13}, 16));
+  EXPECT_FALSE(Fits({"", 16, kU8}, 16));
+  EXPECT_FALSE(Fits({"", 16, kMediaType}, 16));
+  EXPECT_FALSE(Fits({"", 15, kLe16}, 16));
+  EXPECT_FALSE(Fits({"", 15, kBe16}, 16));
+  EXPECT_FALSE(Fits({"", 13, kLe32}, 16));
+  EXPECT_FALSE(Fits({"", 13, kBe32}, 16));
+  EXPECT_FALSE(Fits({"", 9, kLe64}, 16));
+  EXPECT_FALSE(Fits({"", 9, kBe64}, 16));
+  EXPECT_FALSE(Fits({"", 9, VolumeSerial(8)}, 16));
+  EXPECT_FALSE(Fits({"", 1, kGuidText}, 16));
+  EXPECT_FALSE(Fits({"", 1, kStoredGuidText}, 16));
+  EXPECT_FALSE(Fits({"", 4, HexBytes(13)}, 16));
+  EXPECT_FALSE(Fits({"", 4, ReversedHexBytes(13)}, 16));
+  EXPECT_FALSE(Fits({"", 4, Chars(13)}, 16));
 }
 
 TEST(FieldsFit, AForgottenLengthDoesNotFit) {
-  EXPECT_FALSE(Fits({"", 0, Format::kHexBytes}, 16));
-  EXPECT_FALSE(Fits({"", 0, Format::kReversedHexBytes}, 16));
-  EXPECT_FALSE(Fits({"", 0, Format::kChars}, 16));
+  EXPECT_FALSE(Fits({"", 0, HexBytes(0)}, 16));
+  EXPECT_FALSE(Fits({"", 0, ReversedHexBytes(0)}, 16));
+  EXPECT_FALSE(Fits({"", 0, Chars(0)}, 16));
 }
 
 // One row that does not fit is enough.
 TEST(FieldsFit, EveryRowCounts) {
-  constexpr FieldRow kRows[] = {{"", 0, Format::kU8}, {"", 16, Format::kU8}};
+  constexpr FieldRow kRows[] = {{"", 0, kU8}, {"", 16, kU8}};
   static_assert(FieldsFit(kRows, 17) && !FieldsFit(kRows, 16));
   EXPECT_TRUE(FieldsFit({}, 0));
 }

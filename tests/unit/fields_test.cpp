@@ -1,10 +1,11 @@
-// The printing verbs: their texts, and what they leave of the stream's formatting state.
+// The printing verbs: their texts, and how wide text and numbers are shown.
 
-#include "frame/fields.h"
+#include "frame/report/verbs.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <limits>
 
 #include "tests/unit/printed.h"
 
@@ -226,30 +227,47 @@ TEST(ToNarrow, EndsAtANul) {
   EXPECT_EQ(ToNarrow(WideText(L"ab\0cd", 5)), "ab");
 }
 
-std::string Number(u64 value, std::size_t width = 0) {
-  std::array<char, kNumberText> text;
-  return "<" + std::string(text.data(), PutNumber(text.data(), value, width)) + ">";
+// Plain numbers, in each base.
+template <typename Number>
+std::string Hexadecimal(Number number) {
+  return TextOf([&] {
+    PrintHexStayingHex(0, 1);
+    report << ' ' << number;
+  });
+}
+template <typename Number>
+std::string Decimal(Number number) {
+  return TextOf([&] { report << number; });
 }
 
-TEST(PutNumber, FollowsTheStreamsBaseAndCapitals) {
-  Printed printed;
-  EXPECT_EQ(Number(0), "<0>");
-  EXPECT_EQ(Number(~u64{0}), "<18446744073709551615>");
-  std::cout << std::hex;
-  EXPECT_EQ(Number(~u64{0}), "<ffffffffffffffff>");
-  EXPECT_EQ(Number(0xA0), "<a0>");
-  std::cout << std::uppercase;
-  EXPECT_EQ(Number(0x9A0), "<9A0>");
-  std::cout << std::dec;
-  EXPECT_EQ(Number(160), "<160>");
+TEST(ReportNumbers, Decimal) {
+  EXPECT_EQ(Decimal(0), "0");
+  EXPECT_EQ(Decimal(~u64{0}), "18446744073709551615");
+  EXPECT_EQ(Decimal(u8{200}), "200");
+  EXPECT_EQ(Decimal(i32{-1}), "-1");
+  EXPECT_EQ(Decimal(std::numeric_limits<i64>::min()), "-9223372036854775808");
 }
 
-TEST(PutNumber, BlanksFillTheWidth) {
-  Printed printed;
-  std::cout << std::setfill('0');
-  EXPECT_EQ(Number(47, 10), "<        47>");
-  EXPECT_EQ(Number(1234567890, 10), "<1234567890>");
-  EXPECT_EQ(Number(12345678901, 10), "<12345678901>");
+TEST(ReportNumbers, HexadecimalOfNegativeNumbersIsTwosComplement) {
+  EXPECT_EQ(Hexadecimal(0), "0 0");
+  EXPECT_EQ(Hexadecimal(0x9A0), "0 9A0");
+  EXPECT_EQ(Hexadecimal(~u64{0}), "0 FFFFFFFFFFFFFFFF");
+  EXPECT_EQ(Hexadecimal(i32{-1}), "0 FFFFFFFF");
+  EXPECT_EQ(Hexadecimal(i64{-2}), "0 FFFFFFFFFFFFFFFE");
+}
+
+TEST(PrintTocRow, BlanksFillTheColumn) {
+  EXPECT_EQ(TextOf([] { PrintTocRow(47, "MFT"); }), "        47\tMFT\n");
+  EXPECT_EQ(TextOf([] { PrintTocRow(1234567890, "MFT"); }), "1234567890\tMFT\n");
+  EXPECT_EQ(TextOf([] { PrintTocRow(12345678901, ""); }), "12345678901\t\n");
+}
+
+TEST(PrintFraction, AtMostSixDigits) {
+  EXPECT_EQ(TextOf([] { PrintFraction(10); }), "10");
+  EXPECT_EQ(TextOf([] { PrintFraction(0.1); }), "0.1");
+  EXPECT_EQ(TextOf([] { PrintFraction(1110.01); }), "1110.01");
+  EXPECT_EQ(TextOf([] { PrintFraction(11110.01); }), "11110");
+  EXPECT_EQ(TextOf([] { PrintFraction(283075.5); }), "283076");
 }
 
 TEST(PrintUtf16, AsciiAsItIs) {

@@ -1,6 +1,6 @@
 // The FILETIME conversion against a calendar that is counted day by day.
 
-#include "frame/filetime.h"
+#include "frame/report/filetime.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The name tables, row by row and character by character.
 
-#include "frame/names.h"
+#include "frame/report/names.h"
 
 #include <gtest/gtest.h>
 

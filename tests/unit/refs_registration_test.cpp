@@ -2,14 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <iostream>
-#include <sstream>
-
-#include "frame/decode.h"
-#include "frame/decoders.h"
 #include "frame/global.h"
+#include "frame/report/report.h"
+#include "frame/sector.h"
 #include "tests/disks/refs.h"
 #include "tests/support/program.h"
+#include "volumes/volumes_state.h"
 
 namespace trovisk::test {
 namespace {
@@ -25,17 +23,16 @@ class ReFsRegistration : public ::testing::Test {
   }
 
   void TearDown() override {
-    disk.Close();
-    disk.toc.Clear();
-    disk.refsVolume = {};
+    disk.Reset();
+    ResetVolumesState();
   }
 
   // Runs a decoder without its report reaching the test's own output.
   static void Decode(SectorDecoder decoder, WideText description, u64 sector, bool print) {
-    std::ostringstream report;
-    std::streambuf* const console = std::cout.rdbuf(report.rdbuf());
+    std::string text;
+    report.DirectTo(&text);
     EXPECT_EQ(decoder(description, sector, print), sector + 1);
-    std::cout.rdbuf(console);
+    report.DirectTo(nullptr);
   }
 };
 
@@ -56,19 +53,19 @@ TEST_F(ReFsRegistration, BootRecordRegistersItself) {
   const auto superblock = disk.toc.At(38);
   ASSERT_TRUE(superblock);
   EXPECT_EQ(superblock->decoder, DecodeReFsSuperblock);
-  EXPECT_EQ(disk.refsVolume.volumeSector, 8U);
-  EXPECT_EQ(disk.refsVolume.sectorsPerCluster, 1U);
+  EXPECT_EQ(refsVolume.volumeSector, 8U);
+  EXPECT_EQ(refsVolume.sectorsPerCluster, 1U);
 }
 
 TEST_F(ReFsRegistration, BackupLeavesTheContextAlone) {
   Disk image(64);
   PutReFsBootRecord(image, 8);
   Open(image, 8);
-  disk.refsVolume = {.volumeSector = 3, .sectorsPerCluster = 5};
+  refsVolume = {.volumeSector = 3, .sectorsPerCluster = 5};
   Decode(DecodeReFsBackupBootRecord, L"Backup ReFS Volume Boot Record", 8, false);
   EXPECT_FALSE(disk.toc.FirstAtOrAfter(0));
-  EXPECT_EQ(disk.refsVolume.volumeSector, 3U);
-  EXPECT_EQ(disk.refsVolume.sectorsPerCluster, 5U);
+  EXPECT_EQ(refsVolume.volumeSector, 3U);
+  EXPECT_EQ(refsVolume.sectorsPerCluster, 5U);
 }
 
 // Checkpoints are registered in the printing pass and with both values of the context, not otherwise.
@@ -89,7 +86,7 @@ TEST_F(ReFsRegistration, SuperblockNeedsThePrintingPassAndBothValues) {
     Disk image(64);
     PutReFsSuperblock(image, 38, {.references = {20}});
     Open(image, 38);
-    disk.refsVolume = row.context;
+    refsVolume = row.context;
     Decode(DecodeReFsSuperblock, L"ReFS SUPB Sector", 38, row.print);
     EXPECT_EQ(disk.toc.At(48).has_value(), row.registers);
     EXPECT_EQ(disk.toc.FirstAtOrAfter(0).has_value(), row.registers);

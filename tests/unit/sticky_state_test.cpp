@@ -1,10 +1,10 @@
-// The formatting state that each verb leaves behind is seen in the numbers that follow it.
+// The settings that each verb leaves behind are seen in the numbers that follow it.
 
 #include <gtest/gtest.h>
 
-#include "frame/dump.h"
-#include "frame/field_table.h"
-#include "frame/fields.h"
+#include "frame/report/field_table.h"
+#include "frame/report/listing.h"
+#include "frame/report/verbs.h"
 #include "tests/unit/printed.h"
 
 namespace trovisk::test {
@@ -12,68 +12,66 @@ namespace {
 
 constexpr std::array<u8, 16> kBytes = {0xAB, 0xCD, 0xEF};
 
-// 171 plain and in a width of 5, after the code.
+// 171, after the code.
 template <typename Code>
-std::string NumbersAfter(Code code) {
+std::string NumberAfter(Code code) {
   Printed printed;
   code();
-  return printed.NextNumbers();
+  return printed.NextNumber();
 }
 
-constexpr char kAsAtTheStart[] = "171|  171";
-constexpr char kDecimalZeroFilled[] = "171|00171";
-constexpr char kHexZeroFilled[] = "AB|000AB";
+constexpr char kDecimal[] = "171";
+constexpr char kHexadecimal[] = "AB";
 
 TEST(StickyState, TextVerbsChangeNothing) {
-  EXPECT_EQ(NumbersAfter([] { PrintSectorHeader(L"MFT", 1); }), kAsAtTheStart);
-  EXPECT_EQ(NumbersAfter([] { PrintHeading("MBR"); }), kAsAtTheStart);
-  EXPECT_EQ(NumbersAfter([] { PrintFileTime(0); }), kAsAtTheStart);
-  EXPECT_EQ(NumbersAfter([] { PrintUtf16(kBytes); }), kAsAtTheStart);
-  EXPECT_EQ(NumbersAfter([] { PrintHexBytes({}); }), kAsAtTheStart);
-  EXPECT_EQ(NumbersAfter([] { PrintDumpRows({}, 0); }), kAsAtTheStart);
+  EXPECT_EQ(NumberAfter([] { PrintSectorHeader(L"MFT", 1); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintHeading("MBR"); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintFileTime(0); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintUtf16(kBytes); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintHexBytes({}); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintDumpRows({}, 0); }), kDecimal);
 }
 
 // A byte that is not printable is a hexadecimal field.
 TEST(StickyState, PrintCharsChangesOnlyWhatItsBytesNeed) {
   constexpr std::array<u8, 3> kPrintable = {'A', '\r', '\n'};
-  EXPECT_EQ(NumbersAfter([&] { PrintChars(kPrintable); }), kAsAtTheStart);
-  EXPECT_EQ(NumbersAfter([] { PrintChars(kBytes); }), kDecimalZeroFilled);
+  EXPECT_EQ(NumberAfter([&] { PrintChars(kPrintable); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintChars(kBytes); }), kDecimal);
 }
 
-TEST(StickyState, HexadecimalFieldsLeaveDecimalAndZeroFill) {
-  EXPECT_EQ(NumbersAfter([] { PrintHex(1, 4); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintHexByte(1); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintHexBytes(kBytes); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintReversedHexBytes(kBytes); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintBracketedHexBytes(kBytes); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintVolumeSerial(Part<0, 8>(FixedBytes<16>(kBytes))); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintCodeListing(kBytes); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintGuid(kBytes); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintStoredGuid(kBytes); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintPadded(1, 2); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] { PrintDumpRows(kBytes, 1); }), kDecimalZeroFilled);
+TEST(StickyState, HexadecimalFieldsLeaveDecimal) {
+  EXPECT_EQ(NumberAfter([] { PrintHex(1, 4); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintHexByte(1); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintHexBytes(kBytes); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintReversedHexBytes(kBytes); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintBracketedHexBytes(kBytes); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintVolumeSerial(Bytes(kBytes).first(8)); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintSpacedHexBytes(kBytes, "\t"); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintGuid(kBytes); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintStoredGuid(kBytes); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintPadded(1, 2); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] { PrintDumpRows(kBytes, 1); }), kDecimal);
 }
 
 TEST(StickyState, StayingHexStaysHex) {
-  EXPECT_EQ(NumbersAfter([] { PrintHexStayingHex(1, 4); }), kHexZeroFilled);
+  EXPECT_EQ(NumberAfter([] { PrintHexStayingHex(1, 4); }), kHexadecimal);
 }
 
 TEST(StickyState, KeepingTheBaseKeepsTheBase) {
-  EXPECT_EQ(NumbersAfter([] { PrintHexKeepingBase(1, 4); }), kDecimalZeroFilled);
-  EXPECT_EQ(NumbersAfter([] {
+  EXPECT_EQ(NumberAfter([] { PrintHexKeepingBase(1, 4); }), kDecimal);
+  EXPECT_EQ(NumberAfter([] {
               PrintHexStayingHex(1, 4);
               PrintHexKeepingBase(1, 4);
             }),
-            kHexZeroFilled);
+            kHexadecimal);
 }
 
-// A width is used up by one number; a padded number follows the base.
 TEST(StickyState, BaseReachesLaterNumbers) {
   EXPECT_EQ(TextOf([] {
               PrintHexStayingHex(1, 2);
-              std::cout << " ";
+              report << " ";
               PrintPadded(255, 4);
-              std::cout << " ";
+              report << " ";
               PrintSectorHeader(L"MFT", 255);
             }),
             "01 00FF Reading sector # FF [MFT]\n");

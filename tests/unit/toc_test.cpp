@@ -11,7 +11,7 @@
 #include <numeric>
 #include <random>
 
-#include "frame/dump.h"
+#include "frame/decoders.h"
 #include "frame/global.h"
 #include "tests/support/child.h"
 #include "tests/support/limits.h"

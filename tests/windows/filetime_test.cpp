@@ -9,7 +9,7 @@
 #include <iostream>
 #include <random>
 
-#include "frame/filetime.h"
+#include "frame/report/filetime.h"
 
 namespace {
 

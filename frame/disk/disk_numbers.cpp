@@ -1,4 +1,4 @@
-#include "frame/disk_numbers.h"
+#include "frame/disk/disk_numbers.h"
 
 #include <istream>
 #include <sstream>

@@ -1,10 +1,9 @@
 // Names for codes found on disk; "unknown" for a code that is not listed.
 
-#ifndef TROVISK_FRAME_NAMES_H
-#define TROVISK_FRAME_NAMES_H
+#ifndef TROVISK_FRAME_REPORT_NAMES_H
+#define TROVISK_FRAME_REPORT_NAMES_H
 
 #include "frame/bytes.h"
-#include "frame/toc.h"
 
 namespace trovisk {
 

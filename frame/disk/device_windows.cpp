@@ -4,14 +4,9 @@
 #include <windows.h>
 #include <winioctl.h>
 
-#include <fcntl.h>
-#include <io.h>
-
-#include <climits>
-#include <cstdlib>
 #include <string>
 
-#include "frame/device.h"
+#include "frame/disk/device.h"
 
 namespace trovisk {
 namespace {
@@ -25,10 +20,6 @@ ErrorCode Failure() {
   const DWORD error = GetLastError();
   return error == 0 ? kErrorWithoutCode : error;
 }
-
-constexpr int kStandardOutput = 1;
-
-UINT consoleCodePage = 0;
 
 }  // namespace
 
@@ -87,36 +78,6 @@ ErrorCode CloseDevice(Device& device) {
   const ErrorCode error = CloseHandle(Handle(device)) ? 0 : Failure();
   device = Device{};
   return error;
-}
-
-ErrorCode WriteReport(const char* text, std::size_t count) {
-  while (count > 0) {
-    const auto stretch = static_cast<unsigned>(count < INT_MAX ? count : INT_MAX);
-    const int written = _write(kStandardOutput, text, stretch);
-    if (written < 0) return static_cast<ErrorCode>(_doserrno != 0 ? _doserrno : ERROR_WRITE_FAULT);
-    if (written == 0) return ERROR_DISK_FULL;
-    text += written;
-    count -= static_cast<std::size_t>(written);
-  }
-  return 0;
-}
-
-bool IsClosedPipe(ErrorCode error) {
-  return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
-}
-
-bool ReportIsTerminal() {
-  DWORD mode = 0;
-  return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
-}
-
-// Names from the disk are written as UTF-8; the console is told so for the length of the run. It starts a new
-// line at LF by itself, and the C runtime's text mode could take the bytes of a character for characters.
-void PrepareReport() {
-  if (!ReportIsTerminal()) return;
-  _setmode(kStandardOutput, _O_BINARY);
-  consoleCodePage = GetConsoleOutputCP();
-  if (SetConsoleOutputCP(CP_UTF8)) std::atexit([] { SetConsoleOutputCP(consoleCodePage); });
 }
 
 }  // namespace trovisk

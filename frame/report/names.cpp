@@ -1,7 +1,7 @@
 // Three tables that turn codes found on disk into the names that the reports print. The abbreviations,
 // truncations and unbalanced brackets of the names are the program's own vocabulary.
 
-#include "frame/names.h"
+#include "frame/report/names.h"
 
 #include "frame/guid.h"
 

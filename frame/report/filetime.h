@@ -1,7 +1,7 @@
 // FILETIME, the time stamp of Windows, as a calendar date in UTC.
 
-#ifndef TROVISK_FRAME_FILETIME_H
-#define TROVISK_FRAME_FILETIME_H
+#ifndef TROVISK_FRAME_REPORT_FILETIME_H
+#define TROVISK_FRAME_REPORT_FILETIME_H
 
 #include "frame/bytes.h"
 

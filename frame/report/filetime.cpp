@@ -1,4 +1,4 @@
-#include "frame/filetime.h"
+#include "frame/report/filetime.h"
 
 #include <chrono>
 

@@ -1,7 +1,6 @@
 // The operating system's side on Linux: block devices by number or path, and image files.
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,7 +8,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -18,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "frame/device.h"
-#include "frame/disk_numbers.h"
+#include "frame/disk/device.h"
+#include "frame/disk/disk_numbers.h"
 
 #ifdef __linux__
 #include <linux/fs.h>
@@ -200,37 +198,6 @@ ErrorCode CloseDevice(Device& device) {
   const int result = close(Descriptor(device));
   device = Device{};
   return result == 0 ? 0 : LastError();
-}
-
-ErrorCode WriteReport(const char* text, std::size_t count) {
-  while (count > 0) {
-    const ssize_t written = write(STDOUT_FILENO, text, count);
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      if (errno != EAGAIN) return LastError();
-      pollfd slowReader{STDOUT_FILENO, POLLOUT, 0};  // the pipe was handed over as a non-blocking one
-      poll(&slowReader, 1, -1);
-      continue;
-    }
-    text += written;
-    count -= static_cast<std::size_t>(written);
-  }
-  return 0;
-}
-
-bool IsClosedPipe(ErrorCode error) {
-  return error == EPIPE;
-}
-
-bool ReportIsTerminal() {
-  return isatty(STDOUT_FILENO) != 0;
-}
-
-// A reader that closes the pipe, or a limit on the file's size, shows in the write then, whatever the parent
-// process has set.
-void PrepareReport() {
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace trovisk

@@ -1,22 +1,17 @@
-// The operating system's side of the program: one disk that is only ever read, and the place that the
-// report goes to. One file per system implements it, and knows that system; nothing else does.
+// The operating system's side of a disk, which is only ever read. One file per system implements it, and
+// knows that system.
 //
-// Every function gives 0 for success or the system's error code: GetLastError's on Windows, errno elsewhere.
+// Every function gives 0 for success or the system's error code.
 
-#ifndef TROVISK_FRAME_DEVICE_H
-#define TROVISK_FRAME_DEVICE_H
+#ifndef TROVISK_FRAME_DISK_DEVICE_H
+#define TROVISK_FRAME_DISK_DEVICE_H
 
 #include <cstddef>
 
 #include "frame/bytes.h"
-#include "frame/toc.h"
+#include "frame/error_code.h"
 
 namespace trovisk {
-
-using ErrorCode = u64;
-
-// What a call gives that fails although the system names no error: as a number of 32 bits, 0.
-constexpr ErrorCode kErrorWithoutCode = ErrorCode{1} << 32;
 
 // One open disk. The members belong to the system's file.
 struct Device {
@@ -47,18 +42,6 @@ ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got);
 
 // Closes the disk; the device is closed afterwards whatever the result.
 ErrorCode CloseDevice(Device& device);
-
-// Writes a stretch of the report, whole or not at all as far as the caller can tell.
-ErrorCode WriteReport(const char* text, std::size_t count);
-
-// Whether the error says that the reader of the report closed its end of the pipe.
-bool IsClosedPipe(ErrorCode error);
-
-// Whether the report is shown as it comes, line by line.
-bool ReportIsTerminal();
-
-// Prepares the process once, before anything is written: character set of the terminal, broken pipes.
-void PrepareReport();
 
 }  // namespace trovisk
 

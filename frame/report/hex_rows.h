@@ -2,8 +2,8 @@
 // characters for each of sixteen bytes, four blanks and the bytes as characters, '.' for those that are not
 // printable ASCII. Digits are capitals.
 
-#ifndef TROVISK_FRAME_HEX_ROWS_H
-#define TROVISK_FRAME_HEX_ROWS_H
+#ifndef TROVISK_FRAME_REPORT_HEX_ROWS_H
+#define TROVISK_FRAME_REPORT_HEX_ROWS_H
 
 #include "frame/bytes.h"
 
@@ -23,11 +23,12 @@ char* PutRows(char* out, Bytes bytes, std::size_t offset);
 // One row whose bytes end early: blanks for the missing cells, nothing for the missing characters.
 char* PutShortRow(char* out, Bytes row, std::size_t offset);
 
-// The two ways of PutRows: for any processor, and for those with AVX2, which it takes where it can. Null
-// where the program is built for processors or by compilers without it.
-using RowWriter = char* (*)(char* out, Bytes bytes, std::size_t offset);
+// The two ways of PutRows: for any processor, and for those with AVX2, which PutRows takes where it can.
+// PutRowsByAvx2 is for processors of which HasAvx2 is true; that is false where the program is built for
+// others or by compilers without it.
 char* PutRowsByTable(char* out, Bytes bytes, std::size_t offset);
-RowWriter RowWriterOfAvx2();
+char* PutRowsByAvx2(char* out, Bytes bytes, std::size_t offset);
+bool HasAvx2();
 
 }  // namespace trovisk
 

@@ -1,7 +1,7 @@
 // Disk numbers where the system has none of its own: the place of a disk in the kernel's list.
 
-#ifndef TROVISK_FRAME_DISK_NUMBERS_H
-#define TROVISK_FRAME_DISK_NUMBERS_H
+#ifndef TROVISK_FRAME_DISK_DISK_NUMBERS_H
+#define TROVISK_FRAME_DISK_DISK_NUMBERS_H
 
 #include <iosfwd>
 #include <string>

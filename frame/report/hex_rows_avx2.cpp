@@ -1,97 +1,16 @@
-#include "frame/hex_rows.h"
+// The rows of a listing, written with the vectors of processors that have AVX2.
 
-#include <algorithm>
-#include <array>
-#include <cstring>
+#include "frame/report/hex_row_layout.h"
+#include "frame/report/hex_rows.h"
 
 // Not on Windows, where GCC does not align vectors of that size on the stack. A read and a write cost so much
 // more there that the rows hardly count.
 #if defined(__GNUC__) && defined(__x86_64__) && !defined(_WIN32)
+
 #include <immintrin.h>
 #define TROVISK_AVX2 __attribute__((target("avx2")))
-#endif
 
 namespace trovisk {
-namespace {
-
-constexpr std::size_t kCellText = 3;  // "XX "
-constexpr std::size_t kCellsText = kRowBytes * kCellText;
-constexpr std::size_t kGap = 4;  // blanks between the cells and the characters
-constexpr std::size_t kAfterOffset = kCellsText + kGap + kRowBytes + 1;
-constexpr std::array<char, 16> kDigits = {'0', '1', '2', '3', '4', '5', '6', '7',
-                                          '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'};
-
-// A byte's cell with a blank to spare, so that it is stored as one word: a range dump is bound by this.
-constexpr std::array<std::array<char, 4>, 256> MakeCells() {
-  std::array<std::array<char, 4>, 256> cells{};
-  for (std::size_t i = 0; i < cells.size(); ++i)
-    cells[i] = {kDigits[i >> 4], kDigits[i & 15], ' ', ' '};
-  return cells;
-}
-constexpr auto kCells = MakeCells();
-
-// What stands in front of the cells, for the rows of sectors of up to 4096 bytes.
-constexpr std::size_t kOffsetText = 7;  // "0xXXX  "
-constexpr std::array<std::array<char, 8>, 256> MakeOffsets() {
-  std::array<std::array<char, 8>, 256> offsets{};
-  for (std::size_t i = 0; i < offsets.size(); ++i)
-    offsets[i] = {'0', 'x', kDigits[i >> 4], kDigits[i & 15], '0', ' ', ' ', ' '};
-  return offsets;
-}
-constexpr auto kOffsets = MakeOffsets();
-
-constexpr char CharacterOf(u8 byte) {
-  return byte >= 0x20 && byte <= 0x7E ? static_cast<char>(byte) : '.';
-}
-
-char* PutLargeOffset(char* out, std::size_t offset) {
-  std::size_t digits = 3;
-  while (digits < 2 * sizeof offset && offset >> digits * 4 != 0)
-    ++digits;
-  *out++ = '0';
-  *out++ = 'x';
-  while (digits-- > 0)
-    *out++ = kDigits[offset >> digits * 4 & 15];
-  *out++ = ' ';
-  *out++ = ' ';
-  return out;
-}
-
-// Offsets of rows are multiples of sixteen.
-inline char* PutOffset(char* out, std::size_t offset) {
-  const std::size_t row = offset / kRowBytes;
-  if (row >= kOffsets.size()) return PutLargeOffset(out, offset);
-  std::memcpy(out, kOffsets[row].data(), kOffsets[row].size());
-  return out + kOffsetText;
-}
-
-inline void PutGap(char* out) {
-  std::memset(out, ' ', kGap);
-}
-
-}  // namespace
-
-char* PutRowsByTable(char* out, Bytes bytes, std::size_t offset) {
-  std::array<char, 32 * kRowBytes> characters;
-  for (std::size_t at = 0; at + kRowBytes <= bytes.size(); at += kRowBytes) {
-    const std::size_t place = at % characters.size();
-    if (place == 0) {  // in a loop of its own, which compilers vectorise
-      const Bytes part = SliceAt(bytes, at, characters.size());
-      std::transform(part.begin(), part.end(), characters.begin(), CharacterOf);
-    }
-    out = PutOffset(out, offset + at);
-    for (std::size_t i = 0; i < kRowBytes; ++i)
-      std::memcpy(out + i * kCellText, kCells[bytes[at + i]].data(), 4);
-    PutGap(out + kCellsText);
-    std::memcpy(out + kCellsText + kGap, characters.data() + place, kRowBytes);
-    out += kAfterOffset;
-    out[-1] = '\n';
-  }
-  return out;
-}
-
-#ifdef TROVISK_AVX2
-
 namespace {
 
 // A row with an offset of three digits is stored as five vectors of sixteen characters, the last of which
@@ -134,11 +53,12 @@ constexpr CellLayout kLayout2 = MakeLayout(2, 16);
 constexpr CellLayout kLayout3 = MakeLayout(3, 16);
 
 // What the first vector of a row has but its digits, for one row after the other of a sector of 4096 bytes.
-constexpr std::array<u8, kOffsets.size() * kVector> MakeStarts() {
-  std::array<u8, kOffsets.size() * kVector> starts{};
+constexpr std::array<u8, kRowOffsets.size() * kVector> MakeStarts() {
+  std::array<u8, kRowOffsets.size() * kVector> starts{};
   for (std::size_t i = 0; i < starts.size(); ++i) {
     const std::size_t place = i % kVector;
-    starts[i] = place < kOffsetText ? static_cast<u8>(kOffsets[i / kVector][place]) : kLayout0.blank[place];
+    starts[i] =
+        place < kOffsetText ? static_cast<u8>(kRowOffsets[i / kVector][place]) : kLayout0.blank[place];
   }
   return starts;
 }
@@ -162,16 +82,18 @@ TROVISK_AVX2 inline __m256i Cells(__m256i digits, const CellLayout& layout) {
   return _mm256_or_si256(Digits(digits, layout), Load(layout.blank.data()));
 }
 
+}  // namespace
+
 // Two rows at a time, one in each half of the vectors: shuffles look up the digits of all bytes, others move
 // these into their cells.
 TROVISK_AVX2 char* PutRowsByAvx2(char* out, Bytes bytes, std::size_t offset) {
   const __m256i digitOf =
-      _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(kDigits.data())));
+      _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(kHexDigits.data())));
   const __m256i lowHalf = _mm256_set1_epi8(15);
   std::size_t at = 0;
   for (; at + 2 * kRowBytes <= bytes.size(); at += 2 * kRowBytes) {
     const std::size_t row = (offset + at) / kRowBytes;
-    if (row + 1 >= kOffsets.size()) break;
+    if (row + 1 >= kRowOffsets.size()) break;
     const __m256i rows = Load(bytes.data() + at);
     const __m256i high = _mm256_shuffle_epi8(digitOf, _mm256_and_si256(_mm256_srli_epi16(rows, 4), lowHalf));
     const __m256i low = _mm256_shuffle_epi8(digitOf, _mm256_and_si256(rows, lowHalf));
@@ -193,41 +115,24 @@ TROVISK_AVX2 char* PutRowsByAvx2(char* out, Bytes bytes, std::size_t offset) {
   return at == bytes.size() ? out : PutRowsByTable(out, FromAt(bytes, at), offset + at);
 }
 
-}  // namespace
-
-RowWriter RowWriterOfAvx2() {
-  return __builtin_cpu_supports("avx2") ? PutRowsByAvx2 : nullptr;
-}
-
-// Not through the pointer: after a system call, processors do not predict where such a call goes.
-char* PutRows(char* out, Bytes bytes, std::size_t offset) {
-  static const bool hasAvx2 = RowWriterOfAvx2() != nullptr;
-  return hasAvx2 ? PutRowsByAvx2(out, bytes, offset) : PutRowsByTable(out, bytes, offset);
-}
-
-#else
-
-RowWriter RowWriterOfAvx2() {
-  return nullptr;
-}
-
-char* PutRows(char* out, Bytes bytes, std::size_t offset) {
-  return PutRowsByTable(out, bytes, offset);
-}
-
-#endif
-
-char* PutShortRow(char* out, Bytes row, std::size_t offset) {
-  out = PutOffset(out, offset);
-  std::memset(out, ' ', kCellsText + kGap);
-  char* character = out + kCellsText + kGap;
-  for (const u8 byte : row) {
-    std::memcpy(out, kCells[byte].data(), kCellText);
-    out += kCellText;
-    *character++ = CharacterOf(byte);
-  }
-  *character++ = '\n';
-  return character;
+bool HasAvx2() {
+  return __builtin_cpu_supports("avx2") != 0;
 }
 
 }  // namespace trovisk
+
+#else
+
+namespace trovisk {
+
+char* PutRowsByAvx2(char* out, Bytes bytes, std::size_t offset) {
+  return PutRowsByTable(out, bytes, offset);
+}
+
+bool HasAvx2() {
+  return false;
+}
+
+}  // namespace trovisk
+
+#endif

@@ -1,0 +1,54 @@
+#include "frame/report/listing.h"
+
+#include <algorithm>
+
+#include "frame/report/hex_rows.h"
+#include "frame/report/in_place.h"
+#include "frame/report/report.h"
+
+namespace trovisk {
+namespace {
+
+constexpr std::size_t kBlockBytes = 4096;  // formatted in place at once
+static_assert(kDumpHeading.size() + kBlockBytes / kRowBytes * kRowText + 1 <= InPlace::kRoom);
+
+// What stands around the rows: nothing, or the column heading and an empty line.
+enum class Around { kNothing, kListing };
+
+// The settings are left as field-by-field printing would leave them: decimal, and capitals on once a byte has
+// been shown.
+void PrintRows(Bytes bytes, std::size_t rows, Around around) {
+  if (rows != 0) {
+    ReportSettings& settings = InPlace::Settings();
+    if (!bytes.empty()) settings.capitals = true;
+    settings.hexadecimal = false;
+  }
+  char* out = InPlace::Room();
+  if (around == Around::kListing) out = PutText(out, kDumpHeading);
+  const std::size_t end = rows * kRowBytes;
+  for (std::size_t at = 0; at < end;) {
+    const std::size_t blockEnd = std::min(at + kBlockBytes, end);
+    const std::size_t wholeEnd = std::clamp(bytes.size() / kRowBytes * kRowBytes, at, blockEnd);
+    out = PutRows(out, SliceAt(bytes, at, wholeEnd - at), at);
+    for (at = wholeEnd; at < blockEnd; at += kRowBytes)
+      out = PutShortRow(out, FromAt(bytes, at), at);
+    if (at < end) {
+      InPlace::Take(out);
+      out = InPlace::Room();
+    }
+  }
+  if (around == Around::kListing) *out++ = '\n';
+  InPlace::Take(out);
+}
+
+}  // namespace
+
+void PrintListing(Bytes bytes) {
+  PrintRows(bytes, bytes.size() / kRowBytes, Around::kListing);
+}
+
+void PrintDumpRows(Bytes bytes, std::size_t rows) {
+  PrintRows(bytes, rows, Around::kNothing);
+}
+
+}  // namespace trovisk

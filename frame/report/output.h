@@ -1,0 +1,29 @@
+// The operating system's side of the report: where printed text goes. One file per system implements it, and
+// knows that system.
+
+#ifndef TROVISK_FRAME_REPORT_OUTPUT_H
+#define TROVISK_FRAME_REPORT_OUTPUT_H
+
+#include <cstddef>
+
+#include "frame/error_code.h"
+
+namespace trovisk {
+
+enum class Output { kReport, kErrors };  // standard output, standard error
+
+// Writes a stretch of text, whole or not at all as far as the caller can tell. 0 or the system's error.
+ErrorCode WriteOutput(Output output, const char* text, std::size_t count);
+
+// Whether the error says that the reader closed its end of the pipe.
+bool IsClosedPipe(ErrorCode error);
+
+// Whether the text is shown as it comes, line by line.
+bool IsTerminal(Output output);
+
+// Prepares the process, before anything is written: character set of the terminal, broken pipes.
+void PrepareOutput();
+
+}  // namespace trovisk
+
+#endif

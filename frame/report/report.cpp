@@ -1,0 +1,109 @@
+#include "frame/report/report.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <climits>
+#include <cstdlib>
+#include <cwchar>
+
+#include "frame/report/in_place.h"
+
+namespace trovisk {
+
+constinit Report report(Output::kReport);
+constinit Report errors(Output::kErrors, &report);
+
+void Report::Start() {
+  settings_ = {};
+  text_ = nullptr;
+  used_ = 0;
+  terminal_ = ahead_ == nullptr && IsTerminal(output_);  // what keeps nothing back need not know
+}
+
+// The buffer counts as empty from the start: what goes wrong here is printed as well.
+void Report::Empty() {
+  const std::string_view printed(bytes_.data(), used_);
+  used_ = 0;
+  if (text_ != nullptr) {
+    text_->append(printed);
+    return;
+  }
+  const ErrorCode error = WriteOutput(output_, printed.data(), printed.size());
+  if (error == 0 || ahead_ != nullptr) return;
+  if (IsClosedPipe(error)) std::exit(0);
+  errors << "Error writing the report, error " << error << '\n';
+  std::exit(1);
+}
+
+void Report::AppendPiecewise(std::string_view text) {
+  if (ahead_ != nullptr) ahead_->Flush();
+  while (!text.empty()) {
+    if (used_ == kBytes) Empty();
+    const std::string_view piece = text.substr(0, kBytes - used_);
+    std::copy(piece.begin(), piece.end(), bytes_.data() + used_);
+    used_ += piece.size();
+    text.remove_prefix(piece.size());
+  }
+  if (ahead_ != nullptr) Flush();
+}
+
+void Report::AppendNumber(u64 value, bool minus) {
+  std::array<char, kNumberText + 1> text;
+  char* out = text.data();
+  if (minus) *out++ = '-';
+  out = PutNumber(out, value, settings_);
+  Append({text.data(), static_cast<std::size_t>(out - text.data())});
+}
+
+Report& Report::operator<<(WideText text) {
+  std::string narrow(text.size() * kNarrowText, '\0');
+  narrow.resize(static_cast<std::size_t>(PutNarrow(narrow.data(), text) - narrow.data()));
+  return *this << narrow;
+}
+
+Report& Report::operator<<(LineEndMark /*mark*/) {
+  Append("\n");
+  if (terminal_) Flush();
+  return *this;
+}
+
+void Report::DirectTo(std::string* text) {
+  Flush();
+  text_ = text;
+}
+
+char* PutNumber(char* out, u64 value, ReportSettings settings, std::size_t width) {
+  char* end = std::to_chars(out, out + kNumberText, value, settings.hexadecimal ? 16 : 10).ptr;
+  if (settings.hexadecimal && settings.capitals) {
+    std::transform(out, end, out,
+                   [](char digit) { return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit; });
+  }
+  if (static_cast<std::size_t>(end - out) < width) {
+    char* const number = std::move_backward(out, end, out + width);
+    std::fill(out, number, ' ');
+    end = out + width;
+  }
+  return end;
+}
+
+char* PutNarrow(char* out, WideText text) {
+  static_assert(kNarrowText >= MB_LEN_MAX);
+  for (const wchar_t character : text) {
+    if (character < 0x80 && character > 0) {
+      *out++ = static_cast<char>(character);
+      continue;
+    }
+    if (character == L'\0') break;
+    std::mbstate_t state{};
+    const std::size_t count = std::wcrtomb(out, character, &state);
+    if (count == static_cast<std::size_t>(-1)) {
+      *out++ = '?';
+    } else {
+      out += count;
+    }
+  }
+  return out;
+}
+
+}  // namespace trovisk
