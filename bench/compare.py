@@ -75,7 +75,7 @@ class Bench:
         return {line[0]: int(line[1]) for line in lines if len(line) == 2 and line[1].isdigit() and line[0] != "total"}
 
     def row(self, what, ratio, goal, at_least=False, timed=True):
-        """One row of the table: a ratio, and the goal that it is to keep."""
+        """One row of the table: a ratio, and its goal."""
         if ratio is None:
             self.rows.append((what, "-", "", "cannot read it"))
             return
@@ -89,7 +89,7 @@ class Bench:
     def say(self, text):
         print(f"bench: {text}", file=sys.stderr, flush=True)
 
-    # 1. Range dumps
+    # Range dumps
 
     def range_dumps(self):
         # The slow tools take a share of the disk, and their time is counted for the whole.
@@ -132,7 +132,7 @@ class Bench:
                 self.row(f"{what}trovisk / bare loop", beside / bare, 1.3)
         os.unlink(self.disk("share"))
 
-    # 2. The size of the disk; 3. a sector near its end
+    # The size of the disk, and a sector near its end
 
     def sizes(self):
         self.say("disks of 1 GiB to 2^62 bytes")
@@ -154,7 +154,7 @@ class Bench:
         near, far = self.times([self.trovisk("size62", sector) for sector in sectors], runs)
         self.row("2^62 bytes: a sector near the end / sector 1", far / near, 1.1)
 
-    # 4. Storage Replica
+    # Storage Replica
 
     def replica(self):
         self.say("Storage Replica partition of a million records")
@@ -175,7 +175,7 @@ class Bench:
         self.row("10^6 DPOD sectors, whole disk: system calls for each sector read",
                  sum(calls.values()) / calls["pread64"], 2.2, timed=False)
 
-    # 5. Partition tables
+    # Partition tables
 
     def partitions(self):
         self.say("tables of 2^18, 2^19 and 2^20 entries")
@@ -186,7 +186,7 @@ class Bench:
             self.rows.append((f"table of 2^{power} entries, whole disk: time of each", f"{time * 1e6:.2f} µs", "", ""))
         self.row("table of 2^18 to 2^20 entries: most / least time of each", max(each) / min(each), 1.2)
 
-    # 6. Start-up
+    # Start-up
 
     def start_up(self):
         self.say("start-up")

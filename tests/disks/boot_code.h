@@ -1,5 +1,5 @@
 // Boot code that the tests invent: the program's test build recognises it where the shipped one recognises
-// the published releases' code.
+// the code of the vendors' releases.
 
 #ifndef TROVISK_TESTS_DISKS_BOOT_CODE_H
 #define TROVISK_TESTS_DISKS_BOOT_CODE_H

@@ -1,5 +1,5 @@
-// Read faults at every place of a run over each sample disk: the report up to there, the documented messages
-// and what the run goes on with.
+// Read faults at every place of a run over each sample disk: the report up to there, the messages, and
+// what the run goes on with.
 //
 // What a run must print is put together from the undisturbed run's text, cut where the read that fails was
 // made: a decoder that cannot read ends the pass that it is in, and the pass alone. What was registered by

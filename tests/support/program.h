@@ -13,7 +13,7 @@
 
 namespace trovisk::test {
 
-// Which build: the shipped one, which knows the published boot code, or the same program with a catalogue of
+// Which build: the shipped one, which knows the vendors' boot code, or the same program with a catalogue of
 // the tests' own invented boot code.
 enum class Build { kShipped, kInventedCode };
 

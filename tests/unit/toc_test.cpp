@@ -19,7 +19,7 @@
 namespace trovisk {
 namespace {
 
-// What the table is described to be.
+// What frame/toc.h says that the table is to its users: a map from each sector to its first registration.
 struct Model {
   std::map<u64, std::wstring> sectors;
 
