@@ -175,4 +175,39 @@ void SectorToc::Clear() {
   kinds_.clear();
 }
 
+std::string SectorToc::Complaint() const {
+  std::optional<Run> before;
+  for (const auto& chunk : chunks_) {
+    const std::vector<Run> runs = Unpack(chunk);
+    const std::string place = "chunk of sector " + std::to_string(chunk.first) + ": ";
+    if (runs.empty()) return place + "no runs";
+    if (runs.size() > kChunkRuns) return place + "too many runs";
+    if (runs.front().first != chunk.first) return place + "its key is not its first sector";
+    for (const Run& run : runs) {
+      const std::string number = std::to_string(run.first);
+      if (run.last < run.first) return place + "run of sector " + number + " ends before it begins";
+      if (run.kind >= kinds_.size()) return place + "run of sector " + number + " is of no kind";
+      if (before && run.first <= before->last) return place + "run of sector " + number + " overlaps another";
+      if (before && run.first == before->last + 1 && run.kind == before->kind) {
+        return place + "run of sector " + number + " continues the one before it";
+      }
+      before = run;
+    }
+  }
+  return {};
+}
+
+std::string SectorToc::ToText() const {
+  std::string text;
+  for (const auto& chunk : chunks_) {
+    text += "chunk\n";
+    for (const Run& run : Unpack(chunk)) {
+      const std::wstring& description = kinds_[run.kind].description;
+      text += "  " + std::to_string(run.first) + "-" + std::to_string(run.last) + " " +
+              std::string(description.begin(), description.end()) + "\n";
+    }
+  }
+  return text;
+}
+
 }  // namespace trovisk

@@ -2,11 +2,10 @@
 //
 // To its users the table is an ordered map from sector number to entry. It is kept as runs: consecutive
 // sectors with the same decoder and description take one element, so that a partition of 2^40 sectors
-// registered sector by sector costs no time and no memory. Invariants, checked against a plain map by the
-// unit tests:
+// registered sector by sector costs no time and no memory. The first registration of a sector wins, sector by
+// sector: a later run fills the gaps only. Invariants, which Complaint checks:
 //   1. runs are sorted by first sector and do not overlap;
-//   2. neighbouring runs with the same decoder and description, and no gap between them, are one run;
-//   3. the first registration of a sector wins, sector by sector: a later run fills the gaps only.
+//   2. neighbouring runs with the same decoder and description, and no gap between them, are one run.
 
 #ifndef TROVISK_FRAME_TOC_H
 #define TROVISK_FRAME_TOC_H
@@ -58,6 +57,10 @@ class SectorToc {
   // Forgets every entry.
   void Clear();
 
+  // For tests: what is wrong with the table, nothing while its invariants hold; and its runs as text.
+  std::string Complaint() const;
+  std::string ToText() const;
+
  private:
   struct Run {
     u64 first;
@@ -65,7 +68,7 @@ class SectorToc {
     std::size_t kind;
   };
   // A few runs in ascending order, never none while in the table. Packed, for a damaged disk may register as
-  // many single sectors as it has: three bytes a run are the rule.
+  // many single sectors as it has: three bytes a run are the rule, where a Run takes 24.
   using Chunk = std::vector<u8>;
   using Chunks = std::map<u64, Chunk>;  // by the first sector of the chunk's first run
 

@@ -4,10 +4,14 @@
 #define TROVISK_FRAME_REPORT_HEX_ROW_LAYOUT_H
 
 #include <array>
-
-#include "frame/report/hex_rows.h"
+#include <cstddef>
 
 namespace trovisk {
+
+inline constexpr std::size_t kRowBytes = 16;
+
+// The characters of the longest row, its line end included.
+inline constexpr std::size_t kRowText = 2 + 2 * sizeof(std::size_t) + 2 + kRowBytes * 3 + 4 + kRowBytes + 1;
 
 inline constexpr std::size_t kCellText = 3;  // "XX "
 inline constexpr std::size_t kCellsText = kRowBytes * kCellText;

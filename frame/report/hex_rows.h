@@ -6,13 +6,9 @@
 #define TROVISK_FRAME_REPORT_HEX_ROWS_H
 
 #include "frame/bytes.h"
+#include "frame/report/hex_row_layout.h"
 
 namespace trovisk {
-
-inline constexpr std::size_t kRowBytes = 16;
-
-// The characters of the longest row, its line end included.
-inline constexpr std::size_t kRowText = 2 + 2 * sizeof(std::size_t) + 2 + kRowBytes * 3 + 4 + kRowBytes + 1;
 
 // Each of these writes rows, the first of which has that offset, and gives the place behind the last line
 // end. They need kRowText characters of room for each row.

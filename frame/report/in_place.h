@@ -5,9 +5,6 @@
 #ifndef TROVISK_FRAME_REPORT_IN_PLACE_H
 #define TROVISK_FRAME_REPORT_IN_PLACE_H
 
-#include <algorithm>
-#include <string_view>
-
 #include "frame/report/report.h"
 
 namespace trovisk {
@@ -29,21 +26,6 @@ class InPlace {
 
   static ReportSettings& Settings() { return report.settings_; }
 };
-
-// Each puts something and gives the place behind it.
-
-inline char* PutText(char* out, std::string_view text) {
-  return std::copy(text.begin(), text.end(), out);
-}
-
-// A number as the settings want it, padded with blanks to the width. It takes the larger of kNumberText and
-// the width.
-inline constexpr std::size_t kNumberText = 20;
-char* PutNumber(char* out, u64 value, ReportSettings settings, std::size_t width = 0);
-
-// Wide text in the C locale's narrow characters, as report << shows it. Each takes up to kNarrowText.
-inline constexpr std::size_t kNarrowText = 16;
-char* PutNarrow(char* out, WideText text);
 
 }  // namespace trovisk
 

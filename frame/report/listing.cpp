@@ -4,6 +4,7 @@
 
 #include "frame/report/hex_rows.h"
 #include "frame/report/in_place.h"
+#include "frame/report/put.h"
 #include "frame/report/report.h"
 
 namespace trovisk {

@@ -22,13 +22,9 @@
 
 #include "frame/bytes.h"
 #include "frame/report/output.h"
+#include "frame/report/put.h"
 
 namespace trovisk {
-
-struct ReportSettings {
-  bool hexadecimal = false;  // else decimal
-  bool capitals = false;
-};
 
 // Ends a line.
 struct LineEndMark {};

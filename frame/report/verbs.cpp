@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "frame/report/in_place.h"
+#include "frame/report/put.h"
 
 namespace trovisk {
 namespace {
