@@ -11,7 +11,7 @@ if(MSVC)
   return()
 endif()
 
-target_compile_options(trovisk_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_compile_options(trovisk_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
 # The same program from whatever folder it is built in.
 target_compile_options(trovisk_options INTERFACE "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
@@ -24,7 +24,19 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
   set(CMAKE_POSITION_INDEPENDENT_CODE ON)
   target_compile_options(trovisk_options INTERFACE -fstack-protector-strong)
   target_link_options(trovisk_options INTERFACE -fstack-protector-strong)
-  target_compile_definitions(trovisk_options INTERFACE _FORTIFY_SOURCE=2)
+  # Only where neither who builds nor the compiler has chosen a level.
+  include(CheckCXXSourceCompiles)
+  set(CMAKE_REQUIRED_FLAGS -O2)
+  check_cxx_source_compiles(
+    "#ifdef _FORTIFY_SOURCE
+     #error
+     #endif
+     int main() { return 0; }"
+    TROVISK_CHOOSES_FORTIFY_SOURCE)
+  unset(CMAKE_REQUIRED_FLAGS)
+  if(TROVISK_CHOOSES_FORTIFY_SOURCE)
+    target_compile_definitions(trovisk_options INTERFACE _FORTIFY_SOURCE=2)
+  endif()
   if(WIN32)
     target_link_options(trovisk_options INTERFACE -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va
                         -Wl,--no-insert-timestamp)
