@@ -1,9 +1,9 @@
-// Read faults at every place of a run over each sample disk: the report up to there, the messages, and
-// what the run goes on with.
+// Read and seek faults at every place of a run over each sample disk: the report up to there, the messages,
+// and what the run goes on with.
 //
-// What a run must print is put together from the undisturbed run's text, cut where the read that fails was
-// made: a decoder that cannot read ends the pass that it is in, and the pass alone. What was registered by
-// then is printed, and the decoders that print go on registering.
+// What a run must print is put together from the undisturbed run's text, cut where the call that fails was
+// made: a decoder that cannot read or seek ends the pass that it is in, and the pass alone. What was
+// registered by then is printed, and the decoders that print go on registering.
 
 #include <gtest/gtest.h>
 
@@ -305,6 +305,128 @@ TEST_P(ReadFaults, EveryReadOfARegisteredSectorFails) {
     }
   }
 }
+
+// The seeks of a whole-disk run: the frame's to each sector that it visits, then the decoders' back to its
+// start.
+class SeekFaults : public ReadFaults {
+ protected:
+  void SetUp() override {
+    ReadFaults::SetUp();
+    // On a terminal nothing that was printed waits in the program.
+    const std::vector<ReadCall> calls = RunOnTerminal();
+    for (const ReadCall& call : calls) {
+      const u64 sector = call.offset / kSectorSize;
+      const bool printing = call.reported > parts_.loading.size();
+      const bool back =
+          !seeks_.empty() && seeks_.back().sector == sector && seeks_.back().printing == printing;
+      const u64 before = seeks_.empty() || seeks_.back().printing != printing ? 0 : seeks_.back().sector;
+      seeks_.push_back({sector, back ? seeks_.back().from : before, back ? seeks_.back().back + 1 : 0,
+                        printing, whole_.out.substr(0, static_cast<std::size_t>(call.reported))});
+    }
+    ASSERT_GT(seeks_.size(), 5u);
+  }
+
+  // The seeks of an undisturbed run there. Its text is as long as the other's.
+  std::vector<ReadCall> RunOnTerminal() const {
+    const MemoryOutcome shown = RunInProcess({.disk = sample_->disk, .terminal = true});
+    EXPECT_EQ(shown.out.size(), whole_.out.size());
+    return shown.seeks;
+  }
+
+  // A run's messages without those of the undisturbed run.
+  std::string OwnMessages(const std::string& err) const {
+    const std::vector<std::string> others = LinesOf(whole_.err);
+    std::string own;
+    for (const std::string& line : LinesOf(err)) {
+      if (std::find(others.begin(), others.end(), line) == others.end()) own += line + "\n";
+    }
+    return own;
+  }
+
+  struct Seek {
+    u64 sector;
+    u64 from;          // the sector that the pass visited before this one
+    std::size_t back;  // 0: the frame's; else the how manieth of the decoders'
+    bool printing;
+    std::string report;  // up to there
+  };
+
+  // The boot sector's identification is the one decoder that adds a message, and the first to seek.
+  bool Identifies(const Seek& seek) const {
+    if (seek.back != 1) return false;
+    return parts_.table.find(TocRow(seek.sector, "Generic Boot Sector")) != std::string::npos ||
+           parts_.table.find(TocRow(seek.sector, "NTFS Boot Sector")) != std::string::npos;
+  }
+
+  // What the loading pass has not come to by then. The decoders that register sectors in front of their own
+  // do so before they seek.
+  std::vector<Sectors> NotLoaded(u64 sector) const {
+    std::vector<Sectors> sectors;
+    for (const Behind& each : sample_->behind) {
+      if (sector < each.registrar) sectors.push_back(each.sectors);
+    }
+    return sectors;
+  }
+
+  // The frame's own ends the run, whatever the pass.
+  void ExpectEndOfRun(const MemoryOutcome& run, const Seek& seek, const std::string& layer) const {
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(SameText(run.out, seek.report));
+    const std::vector<std::string> lines = LinesOf(OwnMessages(run.err));
+    ASSERT_EQ(lines.size(), 2u) << run.err;
+    EXPECT_EQ(lines[0], layer);
+    const std::string message = "Failed to seek to sector ";
+    ASSERT_TRUE(lines[1].starts_with(message)) << run.err;
+    // The printing pass stands at the sector then, the loading pass where the one before has led it: behind
+    // it.
+    const u64 named = std::stoull(lines[1].substr(message.size()));
+    EXPECT_LE(named, seek.sector);
+    EXPECT_GE(named, seek.printing ? seek.sector : seek.from);
+  }
+
+  std::vector<Seek> seeks_;
+};
+
+TEST_P(SeekFaults, TheNthSeekIsRefusedForEveryN) {
+  const struct {
+    Fault fault;
+    const char* code;
+  } kinds[] = {{{.call = Call::kSeek, .error = EINVAL}, ", error 22"},
+               {{.call = Call::kSeek, .amount = 7}, ""}};
+  for (const auto& [kind, code] : kinds) {
+    for (std::size_t n = 0; n < seeks_.size(); ++n) {
+      const Seek& seek = seeks_[n];
+      const std::string number = std::to_string(seek.sector);
+      SCOPED_TRACE("seek " + std::to_string(n + 1) + ", to sector " + number);
+      Fault fault = kind;
+      fault.nth = n + 1;
+      const MemoryOutcome run = RunWith(sample_->disk, {fault});
+      const std::string layer = "Global::Seek failed to seek to sector " + number + code;
+      if (seek.back == 0) {
+        ExpectEndOfRun(run, seek, layer);
+      } else {
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(OwnMessages(run.err),
+                  layer + (Identifies(seek) ? "\nError seeking back to start of sector\n" : "\n"));
+        const Parts parts = PartsOf(run.out);
+        if (seek.printing) {
+          EXPECT_EQ(parts.loading, parts_.loading);
+          EXPECT_TRUE(SameText(parts.loading + parts.printed, seek.report));
+          ExpectTable(parts, RegisteredByPrinting(seek.sector));
+        } else {
+          const std::vector<Sectors> notLoaded = NotLoaded(seek.sector);
+          EXPECT_TRUE(SameText(parts.loading, seek.report));
+          EXPECT_TRUE(SameText(parts.printed, WithoutSectors(parts_.printed, notLoaded)));
+          ExpectTable(parts, notLoaded);
+        }
+      }
+      if (HasFailure()) return;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(SampleDisks, SeekFaults, ::testing::Range<std::size_t>(0, 3),
+                         [](const auto& sample) { return std::string(Samples()[sample.param].name); });
 
 INSTANTIATE_TEST_SUITE_P(SampleDisks, ReadFaults, ::testing::Range<std::size_t>(0, 3),
                          [](const auto& sample) { return std::string(Samples()[sample.param].name); });

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 
 #include "frame/disk/device.h"
 #include "frame/global.h"
@@ -22,6 +23,8 @@ bool keepsOutput = false;  // in the two texts below; else it goes to the standa
 std::string reported;
 std::string complained;
 std::vector<ReadCall> reads;
+std::vector<ReadCall> seeks;
+std::map<u64, u64> seeksTo;  // how many, by sector
 
 // In memory that is shared with child processes, so that the parent sees the calls of a run.
 struct SharedCalls {
@@ -40,13 +43,15 @@ SharedCalls& Calls() {
   return *calls;
 }
 
-// Notes the call, and gives the fault that it meets. sector: where a read begins.
+// Notes the call, and gives the fault that it meets. sector: where a read begins or a seek goes.
 const Fault* Meet(Call call, u64 sector = kAnySector) {
   SharedCalls& calls = Calls();
   const auto kind = static_cast<std::size_t>(call);
-  const u64 number = ++calls.counts[kind];
+  const u64 inAll = ++calls.counts[kind];
+  const u64 toSector = call == Call::kSeek ? ++seeksTo[sector] : inAll;
   if (calls.logged < sizeof calls.order) calls.order[calls.logged++] = "OGLSRCW"[kind];
   for (const Fault& fault : inserted.faults) {
+    const u64 number = fault.sector == kAnySector ? inAll : toSector;
     if (fault.call != call || number < fault.nth || number - fault.nth >= fault.calls) continue;
     if (fault.sector == kAnySector || fault.sector == sector) return &fault;
   }
@@ -98,6 +103,7 @@ void InsertDisk(const MemoryDisk& disk) {
   SharedCalls& calls = Calls();
   std::fill(std::begin(calls.counts), std::end(calls.counts), 0);
   calls.logged = 0;
+  seeksTo.clear();
 }
 
 CallRecord CallsSinceInsertion() {
@@ -118,6 +124,7 @@ MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string
   reported.clear();
   complained.clear();
   reads.clear();
+  seeks.clear();
   keepsOutput = true;
   MemoryOutcome outcome;
   outcome.status = RunProgramOn(disk, arguments);
@@ -125,8 +132,11 @@ MemoryOutcome RunInProcess(const MemoryDisk& disk, const std::vector<std::string
   outcome.out = WithoutDate(reported);
   outcome.err = complained;
   outcome.reads = reads;
-  for (ReadCall& read : outcome.reads)  // the date stands in front of all of them
-    read.reported -= reported.size() - outcome.out.size();
+  outcome.seeks = seeks;
+  for (auto* made : {&outcome.reads, &outcome.seeks}) {
+    for (ReadCall& call : *made)  // the date stands in front of all of them
+      call.reported -= reported.size() - outcome.out.size();
+  }
   outcome.calls = CallsSinceInsertion();
   return outcome;
 }
@@ -167,7 +177,9 @@ ErrorCode QueryLength(const Device& /*device*/, u64& bytes) {
 }
 
 ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
-  const Fault* const fault = Meet(Call::kSeek);
+  const u32 size = test::inserted.disk.SectorSize();
+  const Fault* const fault = Meet(Call::kSeek, size == 0 ? 0 : offset / size);
+  if (test::keepsOutput) test::seeks.push_back({offset, test::reported.size()});
   if (fault != nullptr && fault->error != 0) return fault->error;
   if (fault == nullptr && offset >> 63 != 0) return EINVAL;
   device.position = landed = fault != nullptr ? fault->amount : offset;

@@ -24,11 +24,11 @@ inline constexpr u64 kAnySector = ~u64{0};
 // What happens instead at some of the calls of one kind.
 struct Fault {
   Call call = Call::kRead;
-  u64 nth = 1;          // the first call concerned, counted from 1
+  u64 nth = 1;          // the first call concerned, counted from 1; kSeek: among those to the sector, if any
   u64 calls = 1;        // how many from there on
   ErrorCode error = 0;  // the call fails with this; where it is 0, it succeeds and says:
   u64 amount = 0;  // kSeek: where it landed; kRead: at most so many bytes; kSectorSize, kLength: the value
-  u64 sector = kAnySector;  // kRead: reads that begin in this sector alone
+  u64 sector = kAnySector;  // kRead: reads that begin in this sector alone; kSeek: seeks to it
 };
 
 // A sector that is registered before the run begins.
@@ -54,7 +54,8 @@ struct CallRecord {
   u64 Of(Call call) const { return counts[static_cast<std::size_t>(call)]; }
 };
 
-// A read of a run in this process: where it begins, in bytes, and how long the report was by then.
+// A read or a seek of a run in this process: its place, in bytes, and how long the report was by then (at
+// a seek: what of it had left the program, which is all of it on a terminal).
 struct ReadCall {
   u64 offset = 0;
   u64 reported = 0;
@@ -65,7 +66,8 @@ struct MemoryOutcome {
   std::string err;
   int status = -1;  // as in support/program.h
   CallRecord calls;
-  std::vector<ReadCall> reads;  // of RunInProcess alone
+  std::vector<ReadCall> reads;       // of RunInProcess alone
+  std::vector<ReadCall> seeks = {};  // likewise
 };
 
 // The disk that the device functions work on, and the calls made since. For tests that call Global directly.
