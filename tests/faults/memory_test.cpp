@@ -80,9 +80,9 @@ TEST(Memory, StorageReplicaPartitionOf2To31And2To62Sectors) {
     const std::string notThere = "**** No DPOD magic found ****\n";
     EXPECT_EQ(RunOnChain("replica", count, {"101"}).err, notThere + notThere);  // in either pass
     if (kScale == 1) {
-      // Listed beyond the end of the disk, but not without limit.
-      EXPECT_TRUE(
-          Ends(RunOnChain("replica", count, {}), "\n       ...\n" + Last(99 + count) + "\tDPOD sector\n"));
+      // Listed beyond the end of the disk, sector 1000, but 16777216 rows and no more; then the end alone.
+      EXPECT_TRUE(Ends(RunOnChain("replica", count, {}),
+                       "\n  16778215\tDPOD sector\n       ...\n" + Last(99 + count) + "\tDPOD sector\n"));
     }
   }
 }

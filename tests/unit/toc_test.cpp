@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <iostream>
 #include <map>
 #include <numeric>
@@ -143,6 +142,38 @@ TEST(SectorToc, NeighboursOfAnotherKindAreNot) {
   EXPECT_EQ(toc.At(12)->decoder, &DumpLabelledRawSector);
 }
 
+// However the table is divided inside: as many single sectors, and then what lies between them, leave one
+// run.
+TEST(SectorToc, FilledGapsLeaveOneRun) {
+  std::vector<u64> gaps(999);
+  for (u64 i = 0; i < gaps.size(); ++i)
+    gaps[i] = 2 * i + 1;
+  std::vector<std::vector<u64>> orders = {gaps, {gaps.rbegin(), gaps.rend()}, gaps};
+  std::shuffle(orders[2].begin(), orders[2].end(), std::mt19937(1));
+  for (const std::vector<u64>& order : orders) {
+    SectorToc toc;
+    for (u64 sector = 0; sector <= 1998; sector += 2)
+      toc.Add(sector, sector, DumpRawSector, L"a");
+    for (const u64 sector : order)
+      toc.Add(sector, sector, DumpRawSector, L"a");
+    EXPECT_EQ(RunsOf(toc), "0-1998 a; ");
+  }
+}
+
+// ... and of another kind in between none is joined.
+TEST(SectorToc, GapsFilledWithAnotherKindStayApart) {
+  SectorToc toc;
+  std::string runs;
+  for (u64 sector = 0; sector < 1000; sector += 2)
+    toc.Add(sector, sector, DumpRawSector, L"a");
+  for (u64 sector = 0; sector < 1000; ++sector) {
+    toc.Add(sector, sector, DumpRawSector, L"b");
+    const std::string number = std::to_string(sector);
+    runs.append(number).append("-").append(number).append(sector % 2 == 0 ? " a; " : " b; ");
+  }
+  EXPECT_EQ(RunsOf(toc), runs);
+}
+
 TEST(SectorToc, LaterRunFillsTheGaps) {
   SectorToc toc;
   toc.Add(10, 12, DumpRawSector, L"a");
@@ -199,11 +230,11 @@ TEST(AddTocRun, EndIsNotPartOfIt) {
   EXPECT_EQ(RunsOf(global.toc), "5-7 run; ");
 }
 
-// A million single sectors, no two adjacent, in one order; measured in a process of its own.
-void ExpectAMillionEntriesToBeSmall(const char* name, const std::vector<u64>& sectors) {
+// A million single sectors, no two adjacent, in one order; measured in a process of its own. most: bytes an
+// entry.
+void ExpectAMillionEntriesToBeSmall(const char* name, const std::vector<u64>& sectors, double most) {
   test::RunChild([] { std::exit(0); });  // what this process brings along is the same for both
   const long base = test::RunChild([] { std::exit(0); }).peakKiB;
-  const auto start = std::chrono::steady_clock::now();
   const test::Outcome outcome = test::RunChild([&] {
     SectorToc toc;
     for (const u64 sector : sectors)
@@ -216,15 +247,12 @@ void ExpectAMillionEntriesToBeSmall(const char* name, const std::vector<u64>& se
     }
     std::_Exit(entries == sectors.size() ? 0 : 1);
   });
-  const auto elapsed = std::chrono::steady_clock::now() - start;
-  const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
   const double bytes =
       static_cast<double>(outcome.peakKiB - base) * 1024 / static_cast<double>(sectors.size());
-  std::cout << name << ": " << bytes << " bytes an entry, " << milliseconds << " ms\n";
+  std::cout << name << ": " << bytes << " bytes an entry\n";
   EXPECT_EQ(outcome.status, 0);
   if (test::kMemoryCounts) {
-    EXPECT_LT(milliseconds, 10000);
-    EXPECT_LT(bytes, 10) << "three of them are the run itself";
+    EXPECT_LT(bytes, most) << "three of them are the run itself";
   }
 }
 
@@ -237,19 +265,19 @@ std::vector<u64> AMillionSectors() {
 }
 
 TEST(SectorTocSize, AMillionEntriesInAscendingOrder) {
-  ExpectAMillionEntriesToBeSmall("ascending", AMillionSectors());
+  ExpectAMillionEntriesToBeSmall("ascending", AMillionSectors(), 6.5);
 }
 
 TEST(SectorTocSize, AMillionEntriesInDescendingOrder) {
   std::vector<u64> sectors = AMillionSectors();
   std::reverse(sectors.begin(), sectors.end());
-  ExpectAMillionEntriesToBeSmall("descending", sectors);
+  ExpectAMillionEntriesToBeSmall("descending", sectors, 10);
 }
 
 TEST(SectorTocSize, AMillionEntriesInRandomOrder) {
   std::vector<u64> sectors = AMillionSectors();
   std::shuffle(sectors.begin(), sectors.end(), std::mt19937(1));
-  ExpectAMillionEntriesToBeSmall("random", sectors);
+  ExpectAMillionEntriesToBeSmall("random", sectors, 10);
 }
 
 }  // namespace
