@@ -86,6 +86,23 @@ TEST(Terminal, BitLockersEntrySizeIsTheException) {
   EXPECT_EQ(ControlCharacter(WithoutRawBytes(report)), kNone);
 }
 
+// A listing is there before the disk is asked for anything more, which may take its time.
+TEST(Terminal, ListingLeavesAtOnce) {
+  Disk disk(100);
+  disk.At(5).Text(0, "five");
+  disk.At(6).Text(0, "six");
+  const MemoryOutcome outcome = RunOnMemory({.disk = disk, .terminal = true}, {"mem", "5", "6"});
+  EXPECT_EQ(outcome.calls.order, std::string("WW"    // banner, an empty line
+                                             "OGL"   // open
+                                             "WWWW"  // last sector, request, an empty line, the pass
+                                             "SRS"   // loading pass: sector 0, seek back for its dump
+                                             "W"     // an empty line
+                                             "SRS"   // printing pass: sector 0 is not shown
+                                             "SWRW"  // sector 5: header line, listing
+                                             "SWRW"  // sector 6
+                                             "C"));
+}
+
 TEST(Terminal, ControlCharactersAreRecognised) {
   EXPECT_EQ(ControlCharacter("plain\ttext\n"), kNone);
   EXPECT_EQ(ControlCharacter(std::string("NUL\0", 4)), kNone);

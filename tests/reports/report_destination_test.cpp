@@ -76,7 +76,7 @@ TEST(ReportDestination, ClosedDescriptorIsAnError) {
   EXPECT_EQ(outcome.status, 1);
 }
 
-// All three closed: the disk does not take the place of one of them.
+// All three closed: there is nobody to tell, and nothing else takes the place of one of them.
 TEST(ReportDestination, EveryDescriptorClosed) {
   LargeImage();
   const Outcome outcome = RunChild([&] {
@@ -85,6 +85,8 @@ TEST(ReportDestination, EveryDescriptorClosed) {
     close(STDERR_FILENO);
     Become("1999");
   });
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(outcome.status, 1);
 }
 

@@ -14,12 +14,14 @@ std::vector<std::string> Trace::Of(const std::string& start) const {
   return found;
 }
 
-Trace TraceProgram(const std::vector<std::string>& arguments, const std::string& inject) {
+namespace {
+
+// command: what is traced.
+Trace TraceCommand(const std::vector<std::string>& command, const std::string& inject) {
   const std::string list = ScratchPath("trace");
   std::vector<std::string> words = {"strace", "-f", "-qq", "-s", "0", "-o", list};
   if (!inject.empty()) words.push_back("--inject=" + inject);
-  words.push_back(ProgramPath(Build::kShipped));
-  words.insert(words.end(), arguments.begin(), arguments.end());
+  words.insert(words.end(), command.begin(), command.end());
 
   Trace trace;
   trace.outcome = RunChild([&] {
@@ -35,6 +37,20 @@ Trace TraceProgram(const std::vector<std::string>& arguments, const std::string&
   }
   EXPECT_FALSE(trace.calls.empty()) << "strace did not trace the program: " << trace.outcome.err;
   return trace;
+}
+
+}  // namespace
+
+Trace TraceProgram(const std::vector<std::string>& arguments, const std::string& inject) {
+  std::vector<std::string> command = {ProgramPath(Build::kShipped)};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return TraceCommand(command, inject);
+}
+
+Trace TraceShell(const std::string& command, const std::vector<std::string>& arguments) {
+  std::vector<std::string> words = {"sh", "-c", command, ProgramPath(Build::kShipped)};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return TraceCommand(words, "");
 }
 
 }  // namespace trovisk::test

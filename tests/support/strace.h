@@ -22,6 +22,10 @@ struct Trace {
 // inject: calls that fail, as strace's option of that name takes them, e.g. "pread64:error=EIO:when=3".
 Trace TraceProgram(const std::vector<std::string>& arguments, const std::string& inject = "");
 
+// The same for a shell's command, whose "$0" and "$@" are the program and its arguments. The shell's calls
+// are in the list too, in front of the program's where it executes it.
+Trace TraceShell(const std::string& command, const std::vector<std::string>& arguments);
+
 }  // namespace trovisk::test
 
 #endif
