@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <numeric>
+
 #include "tests/disks/mbr.h"
 #include "tests/support/expected.h"
 #include "tests/support/memory_device.h"
@@ -211,20 +214,92 @@ TEST(RunFaults, SectorsOfNoBytes) {
       0);
 }
 
-// Whatever single call fails, the run ends of its own, with a message and one of the two statuses.
-TEST(RunFaults, EveryCallFailingInItsTurn) {
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"mem"}, {"mem", "10"}, {"mem", "0", "30"}}) {
-    const CallRecord sound = RunOnMemory({ChainDisk()}, arguments).calls;
-    for (const Call call : {Call::kOpen, Call::kSectorSize, Call::kLength, Call::kSeek, Call::kRead}) {
-      ASSERT_GT(sound.Of(call), 0u);
-      for (u64 nth = 1; nth <= sound.Of(call); ++nth) {
-        const auto outcome = RunOnMemory({ChainDisk(), {{.call = call, .nth = nth, .error = 5}}}, arguments);
-        EXPECT_TRUE(outcome.status == 0 || outcome.status == 1) << outcome.status;
-        EXPECT_NE(outcome.err, "");
-        EXPECT_TRUE(outcome.out.starts_with(kBanner));
-      }
+// A run over the disk of the chain: the sectors whose structures the loading pass visits, and those of the
+// printing pass, of which some have no structure.
+struct ChainRun {
+  std::vector<std::string> arguments;
+  std::vector<u64> loaded;
+  std::vector<u64> printed;
+  u64 firstShown;
+};
+
+std::vector<ChainRun> ChainRuns() {
+  std::vector<u64> range(31);
+  std::iota(range.begin(), range.end(), u64{0});
+  return {{{"mem"}, {0, 10, 20}, {0, 10, 20}, 0},
+          {{"mem", "10"}, {0, 10}, {0, 10}, 10},
+          {{"mem", "0", "30"}, {0, 10, 20}, range, 0}};
+}
+
+// The seeks and reads of such a run in their order, each with what the run comes to when it fails.
+struct FailedCall {
+  Call call;
+  std::string out;
+  std::string err;
+  int status;
+};
+
+std::vector<FailedCall> CallsOf(const ChainRun& run, const std::string& sound) {
+  constexpr char kUnread[] = "Global::Read failed, error 5\nError reading sector\n";
+  const auto unsought = [](u64 sector) {
+    return "Global::Seek failed to seek to sector " + std::to_string(sector) + ", error 5\n";
+  };
+  const auto ending = [](u64 sector) { return "Failed to seek to sector " + std::to_string(sector) + "\n"; };
+  const std::string loading = "Loading TOC ...\n";
+  const std::size_t first = sound.find(loading) + loading.size();
+  const std::size_t table = std::min(sound.find("\n\tTable Of Contents\n"), sound.size());
+  // Up to the sector's header line, or with it.
+  const auto until = [&](const std::string& header) { return sound.substr(0, sound.find(header)); };
+  const auto with = [&](const std::string& header) {
+    return sound.substr(0, sound.find('\n', sound.find(header)) + 1);
+  };
+  const std::string rows = sound.substr(table);
+
+  std::vector<FailedCall> calls;
+  u64 position = 0;
+  // What the loading pass does not come to, the printing pass makes up for.
+  for (const u64 sector : run.loaded) {
+    calls.push_back({Call::kSeek, sound.substr(0, first), unsought(sector) + ending(position), 1});
+    calls.push_back({Call::kRead, sound, kUnread, 0});
+    calls.push_back({Call::kSeek, sound, unsought(sector), 0});
+    position = sector + 1;
+  }
+  for (const u64 sector : run.printed) {
+    const bool shown = sector >= run.firstShown;
+    const std::string header = "Reading sector # " + std::to_string(sector) + " [";
+    const std::string dump = header + "as a raw sector]";
+    const std::string before = shown ? until(header) : sound.substr(0, first + 1);
+    calls.push_back({Call::kSeek, before, unsought(sector) + ending(sector), 1});
+    if (sector % 10 != 0 || sector == 30) {  // no structure: the pass goes on
+      const std::string listing = with(header) + "... empty ...\n";
+      calls.push_back({Call::kRead, with(header) + sound.substr(listing.size()), kUnread, 0});
+      continue;
     }
+    calls.push_back({Call::kRead, (shown ? with(header) : before) + rows, kUnread, 0});
+    calls.push_back({Call::kSeek, (shown ? until(dump) : before) + rows, unsought(sector), 0});
+    if (shown) calls.push_back({Call::kRead, with(dump) + rows, kUnread, 0});
+  }
+  return calls;
+}
+
+TEST(RunFaults, EverySeekAndReadFailingInItsTurn) {
+  for (const ChainRun& run : ChainRuns()) {
+    const MemoryOutcome sound = RunOnMemory({ChainDisk()}, run.arguments);
+    ExpectOutcome(sound, sound.out, "", 0);
+    u64 seeks = 0;
+    u64 reads = 0;
+    for (const FailedCall& failed : CallsOf(run, sound.out)) {
+      const u64 nth = ++(failed.call == Call::kSeek ? seeks : reads);
+      SCOPED_TRACE((failed.call == Call::kSeek ? "seek " : "read ") + std::to_string(nth));
+      ExpectOutcome(
+          RunOnMemory({ChainDisk(), {{.call = failed.call, .nth = nth, .error = 5}}}, run.arguments),
+          failed.out, failed.err, failed.status);
+    }
+    EXPECT_EQ(sound.calls.Of(Call::kSeek), seeks);
+    EXPECT_EQ(sound.calls.Of(Call::kRead), reads);
+    EXPECT_EQ(sound.calls.Of(Call::kOpen), 1u);  // these three have their tests above
+    EXPECT_EQ(sound.calls.Of(Call::kSectorSize), 1u);
+    EXPECT_EQ(sound.calls.Of(Call::kLength), 1u);
   }
 }
 

@@ -1,11 +1,14 @@
 // Block devices: loop devices made of images, and the disks that the machine numbers. What a machine cannot
 // do is skipped with the reason, and shows in the list of skipped tests.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -28,18 +31,40 @@ std::pair<std::string, bool> Shell(const std::string& command) {
   return {text, pclose(pipe) == 0};
 }
 
+// Why nobody can make a loop device here; empty where somebody can.
+std::string NoLoopDevices() {
+  const char* const control = "/dev/loop-control";
+  const int opened = open(control, O_RDWR | O_CLOEXEC);
+  if (opened < 0) return std::string(control) + ": " + std::strerror(errno);
+  close(opened);
+  return {};
+}
+
 // A loop device on an image, while it lives.
 class LoopDevice {
  public:
-  LoopDevice(const std::string& image, u32 sectorSize) {
-    const auto [text, made] =
-        Shell("PATH=$PATH:/sbin:/usr/sbin losetup --find --show --read-only --sector-size " +
-              std::to_string(sectorSize) + " " + image);
-    if (made) {
-      path_ = text.substr(0, text.find('\n'));
-    } else {
-      problem_ = text;
+  LoopDevice(const std::string& image, u32 sectorSize) : unavailable_(NoLoopDevices()) {
+    if (!unavailable_.empty()) return;
+    // Between the search for a free device and its use another process may take it.
+    constexpr int kAttempts = 50;
+    std::string problem;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+      const auto [text, made] =
+          Shell("LC_ALL=C PATH=$PATH:/sbin:/usr/sbin losetup --find --show --read-only --sector-size " +
+                std::to_string(sectorSize) + " " + image);
+      if (made) {
+        path_ = text.substr(0, text.find('\n'));
+        return;
+      }
+      if (text.find("not permitted") != std::string::npos ||
+          text.find("Permission denied") != std::string::npos) {
+        unavailable_ = text;
+        return;
+      }
+      problem = text;
+      usleep(20000);
     }
+    ADD_FAILURE() << "no loop device in " << kAttempts << " attempts: " << problem;
   }
   LoopDevice(const LoopDevice&) = delete;
   LoopDevice& operator=(const LoopDevice&) = delete;
@@ -48,11 +73,11 @@ class LoopDevice {
   }
 
   const std::string& Path() const { return path_; }
-  const std::string& Problem() const { return problem_; }
+  const std::string& Unavailable() const { return unavailable_; }
 
  private:
   std::string path_;
-  std::string problem_;
+  std::string unavailable_;
 };
 
 // losetup itself must be there; that the machine lets nobody make loop devices is not the program's affair.
@@ -61,8 +86,9 @@ void RequireLosetup() {
       << "losetup is missing: install mount or util-linux";
 }
 
-#define SKIP_WITHOUT(device) \
-  if (!(device).Problem().empty()) GTEST_SKIP() << "no loop device: " << (device).Problem()
+#define REQUIRE_OR_SKIP(device)                                                                            \
+  if (!(device).Unavailable().empty()) GTEST_SKIP() << "no loop devices here: " << (device).Unavailable(); \
+  ASSERT_NE((device).Path(), "")
 
 void ExpectSameReports(const std::string& device, const std::string& image,
                        const std::vector<std::string>& sectors) {
@@ -92,7 +118,7 @@ TEST_P(LoopDeviceTest, GivesTheReportsOfItsImage) {
   const std::string image = ScratchPath("loop" + std::to_string(GetParam()) + ".img");
   disk.Write(image);
   const LoopDevice device(image, GetParam());
-  SKIP_WITHOUT(device);
+  REQUIRE_OR_SKIP(device);
   const std::string sized = image + "@" + std::to_string(GetParam());
   ExpectSameReports(device.Path(), sized, {});
   ExpectSameReports(device.Path(), sized, {"60"});
@@ -106,7 +132,7 @@ TEST_P(LoopDeviceTest, EndsWhereItsImageEnds) {
   const std::string image = ScratchPath("end" + std::to_string(GetParam()) + ".img");
   disk.Write(image);
   const LoopDevice device(image, GetParam());
-  SKIP_WITHOUT(device);
+  REQUIRE_OR_SKIP(device);
   // A seek beyond the end is accepted, on a device as on a file; the read is a short one.
   const Outcome outcome = RunProgram(Build::kInventedCode, {device.Path()});
   EXPECT_EQ(outcome.err, "Global::Read short read, needed " + std::to_string(GetParam()) +
@@ -129,12 +155,14 @@ TEST(MappedDevice, UnreadableSectorIsTheOnlyOneThatIsNotShown) {
   const std::string image = ScratchPath("mapped.img");
   disk.Write(image);
   const LoopDevice device(image, 512);
-  SKIP_WITHOUT(device);
+  REQUIRE_OR_SKIP(device);
+  const auto [reason, mapper] = Shell("PATH=$PATH:/sbin:/usr/sbin dmsetup version");
+  if (!mapper) GTEST_SKIP() << "no device-mapper on this machine: " << reason;
   const std::string name = "trovisk-test-" + std::to_string(getpid());
   const auto [problem, made] = Shell("PATH=$PATH:/sbin:/usr/sbin; printf '0 10 linear " + device.Path() +
                                      " 0\\n10 1 error\\n11 53 linear " + device.Path() +
                                      " 11\\n' | dmsetup create --readonly " + name);
-  if (!made) GTEST_SKIP() << "no device-mapper on this machine: " << problem;
+  ASSERT_TRUE(made) << problem;
   const Outcome outcome = RunProgram(Build::kInventedCode, {"/dev/mapper/" + name, "9", "11"});
   Shell("PATH=$PATH:/sbin:/usr/sbin dmsetup remove " + name);
   EXPECT_EQ(outcome.status, 0);
@@ -152,7 +180,7 @@ TEST(LoopDevice, TakesNoSectorSizeFromItsArgument) {
   const std::string image = ScratchPath("chosen.img");
   Disk(64).Write(image);
   const LoopDevice device(image, 512);
-  SKIP_WITHOUT(device);
+  REQUIRE_OR_SKIP(device);
   const std::string argument = device.Path() + "@512";
   EXPECT_EQ(RunProgram(Build::kShipped, {argument}).err,
             "Global::Open: couldn't get disk geometry \\\\.\\PhysicalDrive" + argument +
