@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The bash completion: completion_test.sh COMPLETION-FILE
 set -euo pipefail
+completion=$(readlink -f "$1")
 # shellcheck source=completion/trovisk.bash
-. "$1"
+. "$completion"
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder"
@@ -25,7 +26,11 @@ expect() {
     shift
   done
   shift
-  offered "${words[@]}"
+  offered "${words[@]}" 2>errors
+  if [ -s errors ]; then
+    echo "${words[*]}: complains: $(cat errors)" >&2
+    failed=1
+  fi
   if [ "$(printf '%s\n' "${COMPREPLY[@]}" | sort -u)" != "$(printf '%s\n' "$@" | sort -u)" ]; then
     echo "${words[*]}: offered ${COMPREPLY[*]}, not $*" >&2
     failed=1
@@ -40,12 +45,40 @@ expect notes =             # no image: left to the default, any file
 expect disk.img 1 =        # sectors are not completed
 expect disk.img 1 2 =
 
-# What the system lists as disks, with a medium in them; but for loop devices, which come and go.
-offered /dev/
+# What the system lists as disks, with a medium in them; but for loop devices, which come and go. Where lsblk
+# finds nothing to list from, nothing is offered either.
+offered /dev/ 2>errors
 for entry in "${COMPREPLY[@]}"; do
   if [ ! -d "$entry" ] && [[ $entry != /dev/loop* ]]; then echo "$entry"; fi
 done | sort >offered
-lsblk --nodeps --noheadings --bytes --raw --paths --output NAME,SIZE --exclude 7 |
+{ lsblk --nodeps --noheadings --bytes --raw --paths --output NAME,SIZE --exclude 7 2>/dev/null || true; } |
   awk '$2 != 0 { print $1 }' | sort >listed
-diff -u listed offered
+diff -u listed offered || failed=1
+if [ -s errors ]; then
+  echo "/dev/: complains: $(cat errors)" >&2
+  failed=1
+fi
+
+# A machine that tells nothing of its disks: no /sys, and an lsblk that complains. Images are offered all the same.
+mkdir tools
+printf '#!/bin/sh\necho "no sysfs" >&2\nexit 1\n' >tools/lsblk
+chmod +x tools/lsblk
+# shellcheck disable=SC2016 # the inner shell expands it
+without_sys=(unshare --mount --map-root-user bash -c 'mount -t tmpfs none /sys || exit 1
+  . "$0"
+  COMP_CWORD=1
+  for word in /dev/ d; do
+    COMP_WORDS=(trovisk "$word")
+    _trovisk
+    printf "%s\n" "${COMPREPLY[@]}"
+  done' "$completion")
+if unshare --mount --map-root-user mount -t tmpfs none /sys 2>/dev/null; then
+  PATH=$folder/tools:$PATH "${without_sys[@]}" 2>errors | { grep -v '^/dev/' || true; } | sort >offered
+  printf '%s\n' disk.img disk.raw >listed
+  diff -u listed offered || failed=1
+  if [ -s errors ]; then
+    echo "without /sys: complains: $(cat errors)" >&2
+    failed=1
+  fi
+fi
 exit $failed

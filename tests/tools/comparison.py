@@ -53,6 +53,6 @@ def expect(what, actual, expected):
         print(f"{what}\n  expected: {expected!r}\n    actual: {actual!r}")
 
 
-def finish():
-    """Ends the script with status 1 when anything differed."""
-    sys.exit(1 if _differences else 0)
+def finish(status=0):
+    """Ends the script with status 1 when anything differed, else with the one given."""
+    sys.exit(1 if _differences else status)
