@@ -1,160 +1,83 @@
-// The name tables, row by row and character by character.
+// The name tables: how many names there are, and some of them character by character.
 
 #include "frame/report/names.h"
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 namespace trovisk {
 namespace {
 
-const std::map<int, std::wstring> kMediaTypes = {
-    {0xF0, L"3 1/2 floppy, 1.44MB"}, {0xF8, L"Fixed Hard Drive"},    {0xF9, L"5 1/4 floppy, 1.2MB"},
-    {0xFC, L"5 1/4 floppy, 180KB"},  {0xFD, L"5 1/4 floppy, 360KB"}, {0xFE, L"5 1/4 floppy, 160KB"},
-    {0xFF, L"5 1/4 floppy, 320KB"},
+struct ByteRow {
+  u8 code;
+  std::wstring name;
 };
 
-const std::map<int, std::wstring> kPartitionTypes = {
-    {0x01, L"FAT-12"},
-    {0x02, L"Xenix root"},
-    {0x03, L"Xenix user"},
-    {0x04, L"FAT-16 < 32MBytes"},
-    {0x05, L"Extended"},
-    {0x06, L"BIGDOS FAT-16"},
-    {0x07, L"NTFS"},
-    {0x08, L"AIX"},
-    {0x09, L"AIX bootable"},
-    {0x0A, L"OS/2 Boot Manager"},
-    {0x0B, L"Win95 FAT-32"},
-    {0x0C, L"Win95 FAT-32 (LBA"},
-    {0x0E, L"Win95 FAT-16 (LBA"},
-    {0x0F, L"Win95 Extended (LBA"},
-    {0x10, L"OPUS"},
-    {0x11, L"Hidden FAT-12"},
-    {0x12, L"EISA / Compaq diagnostic"},
-    {0x14, L"Hidden FAT-16 < 32 MBytes"},
-    {0x16, L"Hidden FAT-16"},
-    {0x17, L"Hidden HPFS/NTFS"},
-    {0x18, L"AST SmartSleep"},
-    {0x1B, L"Hidden Windows 95 FAT-32"},
-    {0x1C, L"Hidden Windows 95 FAT-32"},
-    {0x24, L"NEC DOS"},
-    {0x39, L"Plan 9"},
-    {0x3C, L"PartitionMagic"},
-    {0x40, L"Venix 80286"},
-    {0x41, L"PPC PRep Boot"},
-    {0x42, L"Dynamic Disk"},
-    {0x4D, L"QNX4.x"},
-    {0x4E, L"QNX4.x 2nd part"},
-    {0x4F, L"QNX4.x 3rd part"},
-    {0x50, L"OnTrack DM"},
-    {0x51, L"OnTrack DM6 Aux"},
-    {0x52, L"CP/M"},
-    {0x53, L"OnTrack DM6 Aux"},
-    {0x54, L"OnTrackDM6"},
-    {0x55, L"EZ-Drive"},
-    {0x56, L"Golden Bow"},
-    {0x5C, L"Priam Edisk"},
-    {0x61, L"SpeedStor"},
-    {0x63, L"GNU HURD or Sys"},
-    {0x64, L"Novell Netware"},
-    {0x65, L"Novell Netware"},
-    {0x70, L"DiskSecure Mult"},
-    {0x80, L"Old Minix"},
-    {0x81, L"Minix / Old Linux"},
-    {0x82, L"Linux swap"},
-    {0x83, L"Linux ext2"},
-    {0x84, L"OS/2 hidden C:"},
-    {0x85, L"Linux extended"},
-    {0x86, L"Legacy FT FAT-16"},
-    {0x87, L"Legacy FT NTFS"},
-    {0x8B, L"Legacy FT FAT-32"},
-    {0x8C, L"Legacy FT FAT-32 (LBA"},
-    {0x8E, L"Linux LVM"},
-    {0x93, L"Amoeba"},
-    {0x94, L"Amoeba BBT"},
-    {0x9F, L"BSD/OS"},
-    {0xA0, L"IBM Thinkpad hi"},
-    {0xA5, L"FreeBSD"},
-    {0xA6, L"OpenBSD"},
-    {0xA7, L"NeXTSTEP"},
-    {0xA8, L"Darwin UFS"},
-    {0xA9, L"NetBSD"},
-    {0xB7, L"BSDI fs"},
-    {0xB8, L"BSDI swap"},
-    {0xBB, L"Boot Wizard hid"},
-    {0xBF, L"Solaris"},
-    {0xC1, L"DRDOS/sec (FAT-"},
-    {0xC4, L"DRDOS/sec (FAT-"},
-    {0xC6, L"DRDOS/sec (FAT-"},
-    {0xC7, L"Syrinx"},
-    {0xDA, L"Non-FS data"},
-    {0xDB, L"CP/M / CTOS"},
-    {0xDE, L"Dell Utility"},
-    {0xDF, L"BootIT"},
-    {0xE1, L"DOS access"},
-    {0xE3, L"DOS R/O"},
-    {0xE4, L"SpeedStor"},
-    {0xEB, L"BeOS fs"},
-    {0xEE, L"EFI GPT"},
-    {0xEF, L"EFI (FAT-12/16/32"},
-    {0xF0, L"Linux/PA-RISC b"},
-    {0xF1, L"SpeedStor"},
-    {0xF2, L"DOS secondary"},
-    {0xF4, L"SpeedStor"},
-    {0xFD, L"Linux RAID auto"},
-    {0xFE, L"LANstep"},
-    {0xFF, L"BBT"},
-};
+// How many bytes have a name; of those without, each is "unknown".
+int NamedBytes(WideText (*nameOf)(u8)) {
+  int named = 0;
+  for (int code = 0; code < 256; ++code) {
+    const WideText name = nameOf(static_cast<u8>(code));
+    EXPECT_FALSE(name.empty()) << code;
+    if (name != L"unknown") ++named;
+  }
+  return named;
+}
+
+void ExpectRows(const std::vector<ByteRow>& rows, WideText (*nameOf)(u8)) {
+  for (const auto& [code, name] : rows)
+    EXPECT_EQ(std::wstring(nameOf(code)), name) << int{code};
+}
+
+TEST(MediaTypeName, SomeOfSeven) {
+  EXPECT_EQ(NamedBytes(MediaTypeName), 7);
+  ExpectRows({{0xF0, L"3 1/2 floppy, 1.44MB"},
+              {0xF8, L"Fixed Hard Drive"},
+              {0xFC, L"5 1/4 floppy, 180KB"},
+              {0xFF, L"5 1/4 floppy, 320KB"},
+              {0x00, L"unknown"},
+              {0xF7, L"unknown"},
+              {0xFB, L"unknown"}},
+             MediaTypeName);
+}
+
+// Some names have lost their end on the way, and keep it so.
+TEST(PartitionTypeName, SomeOfNinety) {
+  EXPECT_EQ(NamedBytes(PartitionTypeName), 90);
+  ExpectRows({{0x01, L"FAT-12"},
+              {0x07, L"NTFS"},
+              {0x0C, L"Win95 FAT-32 (LBA"},
+              {0x0F, L"Win95 Extended (LBA"},
+              {0x42, L"Dynamic Disk"},
+              {0x83, L"Linux ext2"},
+              {0xC6, L"DRDOS/sec (FAT-"},
+              {0xDE, L"Dell Utility"},
+              {0xEE, L"EFI GPT"},
+              {0xFF, L"BBT"},
+              {0x00, L"unknown"},
+              {0x0D, L"unknown"},
+              {0xED, L"unknown"}},
+             PartitionTypeName);
+}
 
 struct GptRow {
   std::string guid;  // registry form
   std::wstring name;
 };
 
+// The first and the last, those whose partitions are decoded, and some that differ in few bytes.
 const GptRow kGptTypes[] = {
     {"00000000-0000-0000-0000-000000000000", L"Unused Entry"},
-    {"024DEE41-33E7-11D3-9D69-0008C781F39F", L"MBR Partition Scheme"},
     {"C12A7328-F81F-11D2-BA4B-00A0C93EC93B", L"EFI Partition Scheme"},
-    {"E3C9E316-0B5C-4DB8-817D-F92DF00215AE", L"Windows : Microsoft Reserved Partition"},
     {"EBD0A0A2-B9E5-4433-87C0-68B6B72699C7", L"Windows/Linux : Data Partition"},
-    {"DB97DBA9-0840-4BAE-97F0-FFB9A327C7E1", L"Windows : Cluster Metadata Partition"},
     {"5808C8AA-7E8F-42E0-85D2-E1E90434CFB3", L"Windows : LDM Metadata Partition"},
-    {"AF9B60A0-1431-4F62-BC68-3311714A69AD", L"Windows : LDM Data Partition"},
     {"DE94BBA4-06D1-4D40-A16A-BFD50179D6AC", L"Windows : Recovery Partition"},
     {"E75CAF8F-F680-4CEE-AFA3-B001E56EFC2D", L"Windows : Storage Space Partition"},
     {"558D43C5-A1AC-43C0-AAC8-D1472B2923D1", L"Microsoft Storage Replication Db"},
-    {"CADDEBF1-4400-4DE8-B103-12117DCF3CCF", L"Microsoft Shadow Copy Partition"},
-    {"75894C1E-3AEB-11D3-B7C1-7B03A0000000", L"HP-UX : Data Partition"},
-    {"E2A1E728-32E3-11D6-A682-7B03A0000000", L"HP-UX : Service Partition"},
-    {"37AFFC90-EF7D-4E96-91C3-2D7AE055B174", L"IBM General Parallel File System (GPFS) partition"},
-    {"A19D880F-05FC-4D3B-A006-743F0F84911E", L"Linux : RAID Partition"},
-    {"0657FD6D-A4AB-43C4-84E5-0933C84B4F4F", L"Linux : Swap Partition"},
-    {"E6D6D379-F507-44C2-A23C-238F2A3DF928", L"Linux : LDM (LVM Partition)"},
-    {"8DA63339-0007-60C0-C436-083AC8230908", L"Linux : Reserved Partition"},
-    {"516E7CB4-6ECF-11D6-8FF8-00022D09712B", L"FreeBSD : Data Partition"},
-    {"516E7CB5-6ECF-11D6-8FF8-00022D09712B", L"FreeBSD : Swap Partition"},
     {"516E7CB6-6ECF-11D6-8FF8-00022D09712B", L"FreeBSD : UFS Partition"},
     {"516E7CB8-6ECF-11D6-8FF8-00022D09712B", L"FreeBSD : Vinum Volume Manager Partition"},
-    {"48465300-0000-11AA-AA11-00306543ECAC", L"Mac OS X : Hierarchical File System (HFS+ partition)"},
-    {"55465300-0000-11AA-AA11-00306543ECAC", L"Mac OS X : Apple UFS Partition"},
     {"52414944-0000-11AA-AA11-00306543ECAC", L"Max OS X : Apple RAID Partition"},
-    {"6A82CB45-1DD2-11B2-99A6-080020736631", L"Solaris : Boot Partition"},
-    {"6A85CF4D-1DD2-11B2-99A6-080020736631", L"Solaris : Root Partition"},
-    {"6A87C46F-1DD2-11B2-99A6-080020736631", L"Solaris : Swap Partition"},
-    {"6A8B642B-1DD2-11B2-99A6-080020736631", L"Solaris : Backup Partition"},
     {"6A898CC3-1DD2-11B2-99A6-080020736631", L"Solaris : /usr Partition"},
-    {"6A8EF2E9-1DD2-11B2-99A6-080020736631", L"Solaris : /var Partition"},
-    {"6A90BA39-1DD2-11B2-99A6-080020736631", L"Solaris : /home Partition"},
-    {"6A9283A5-1DD2-11B2-99A6-080020736631", L"Solaris : EFI_ALTSCTR"},
-    {"6A945A3B-1DD2-11B2-99A6-080020736631", L"Solaris : Reserved Partition"},
-    {"6A9630D1-1DD2-11B2-99A6-080020736631", L"Solaris : Reserved Partition"},
-    {"6A980767-1DD2-11B2-99A6-080020736631", L"Solaris : Reserved Partition"},
-    {"6A96237F-1DD2-11B2-99A6-080020736631", L"Solaris : Reserved Partition"},
     {"6A8D2AC7-1DD2-11B2-99A6-080020736631", L"Solaris : Reserved Partition"},
-    {"AA31E02A-400F-11DB-9590-000C2911D1B8", L"VMFS Filesystem Partition"},
-    {"9D275380-40AD-11DB-BF97-000C2911D1B8", L"vmkcore (coredump Partition"},
     {"9198EFFC-31C0-11DB-8F78-000C2911D1B8", L"VMWare Reserved Partition"},
 };
 
@@ -171,26 +94,7 @@ std::array<u8, 16> OnDisk(const std::string& guid) {
   return bytes;
 }
 
-void ExpectByteTable(const std::map<int, std::wstring>& table, WideText (*nameOf)(u8)) {
-  for (int code = 0; code < 256; ++code) {
-    const auto row = table.find(code);
-    EXPECT_EQ(std::wstring(nameOf(static_cast<u8>(code))), row == table.end() ? L"unknown" : row->second)
-        << code;
-  }
-}
-
-TEST(MediaTypeName, EveryByte) {
-  ASSERT_EQ(kMediaTypes.size(), 7U);
-  ExpectByteTable(kMediaTypes, MediaTypeName);
-}
-
-TEST(PartitionTypeName, EveryByte) {
-  ASSERT_EQ(kPartitionTypes.size(), 90U);
-  ExpectByteTable(kPartitionTypes, PartitionTypeName);
-}
-
-TEST(GptTypeName, EveryRow) {
-  ASSERT_EQ(std::size(kGptTypes), 42U);
+TEST(GptTypeName, SomeRows) {
   for (const GptRow& row : kGptTypes)
     EXPECT_EQ(std::wstring(GptTypeName(OnDisk(row.guid))), row.name) << row.guid;
 }
