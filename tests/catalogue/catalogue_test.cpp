@@ -7,18 +7,10 @@
 #include <set>
 
 #include "tests/support/boot_code_rows.h"
+#include "tests/support/digits.h"
 
 namespace trovisk::test {
 namespace {
-
-std::string Hex(const Sha256Digest& digest) {
-  std::string digits;
-  for (const u8 byte : digest) {
-    digits += "0123456789abcdef"[byte >> 4];
-    digits += "0123456789abcdef"[byte & 15];
-  }
-  return digits;
-}
 
 TEST(Catalogue, RowsStandInTheOrderOfTheEnumeration) {
   ASSERT_EQ(BootCodeCatalogue().size(), kBootCodes);
@@ -38,9 +30,9 @@ TEST(Catalogue, SomeStretches) {
 }
 
 TEST(Catalogue, SomeDigests) {
-  EXPECT_EQ(Hex(RowOf(BootCode::kMbrWindows2000).digest.value_or(BootCodeDigest{}).whole),
+  EXPECT_EQ(SmallDigits(RowOf(BootCode::kMbrWindows2000).digest.value_or(BootCodeDigest{}).whole),
             "b5ed343494f0326a08aa6abf7cc9aa4d96207532cf0d2b39453c6eb7bede19e3");
-  EXPECT_EQ(Hex(RowOf(BootCode::kNtfsWindows8).digest.value_or(BootCodeDigest{}).whole),
+  EXPECT_EQ(SmallDigits(RowOf(BootCode::kNtfsWindows8).digest.value_or(BootCodeDigest{}).whole),
             "8ee6cab3c70e892279a55b3db3d9a0a3f7dbf837341ec8d5fbda591c8e7e4e62");
 }
 

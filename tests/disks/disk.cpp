@@ -64,6 +64,13 @@ Sector& Sector::GuidAt(std::size_t offset, const trovisk::Guid& guid) {
   return Bytes(offset, guid.bytes);
 }
 
+std::vector<std::string> WithOneWrongCharacter(const std::string& text) {
+  std::vector<std::string> wrong(text.size(), text);
+  for (std::size_t i = 0; i < text.size(); ++i)
+    wrong[i][i] = static_cast<char>(text[i] ^ 0x20);
+  return wrong;
+}
+
 Sector& Disk::At(u64 sector) {
   return touched_.try_emplace(sector, sectorSize_).first->second;
 }

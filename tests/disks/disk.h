@@ -43,6 +43,9 @@ class Sector {
   std::vector<u8> bytes_;
 };
 
+// The text as often as it has characters, another one of them wrong each time.
+std::vector<std::string> WithOneWrongCharacter(const std::string& text);
+
 class Disk {
  public:
   // sectors: the disk's length; sectorSize: bytes per sector.

@@ -70,11 +70,11 @@ TEST(StandardDescriptors, AreNeverTheDisks) {
     EXPECT_EQ(ResultOf(trace.calls[opened]), first);
     const std::string& moved = trace.calls[opened + 1];
     EXPECT_TRUE(moved.starts_with("fcntl(" + first + ", F_DUPFD_CLOEXEC, 3)")) << moved;
-    EXPECT_EQ(ResultOf(moved), "3");
+    EXPECT_GE(std::stoi(ResultOf(moved)), 3);  // which is free, unless this process has others open
     EXPECT_TRUE(trace.calls[opened + 2].starts_with("close(" + first + ")")) << trace.calls[opened + 2];
     const std::size_t read = CallAt(trace, "pread64(", ", 512, 2560)");  // sector 5
     ASSERT_LT(read, trace.calls.size());
-    EXPECT_TRUE(trace.calls[read].starts_with("pread64(3, ")) << trace.calls[read];
+    EXPECT_TRUE(trace.calls[read].starts_with("pread64(" + ResultOf(moved) + ", ")) << trace.calls[read];
   }
 }
 

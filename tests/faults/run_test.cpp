@@ -39,7 +39,7 @@ std::string Start(const std::string& last, const std::string& reading) {
 }
 
 std::string Toc(const std::string& rows) {
-  return "\n\tTable Of Contents\n\t=================\n\n   Sector#\tContents\n   -------\t--------\n" + rows;
+  return kTocHeading + rows;
 }
 
 std::string RawSector(const Disk& disk, u64 sector) {

@@ -82,7 +82,7 @@ std::string WalkOf(const std::vector<Registered>& registered, const std::vector<
 }
 
 std::string Toc(const std::string& rows) {
-  return "\n\tTable Of Contents\n\t=================\n\n   Sector#\tContents\n   -------\t--------\n" + rows;
+  return kTocHeading + rows;
 }
 
 TEST(Walk, LoadsAndPrintsInAscendingOrder) {

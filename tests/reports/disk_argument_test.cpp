@@ -137,9 +137,8 @@ TEST(DiskArgument, EmptyFile) {
                        kBanner + "Last sector on disk is 18446744073709551615\nReading \\\\.\\PhysicalDrive" +
                            ScratchPath("empty") +
                            " [ whole disk ]\n\nLoading TOC ...\n\n"
-                           "Reading sector # 0 [Master Boot Record]\n"
-                           "\n\tTable Of Contents\n\t=================\n\n   Sector#\tContents\n"
-                           "   -------\t--------\n         0\tMaster Boot Record\n"));
+                           "Reading sector # 0 [Master Boot Record]\n" +
+                           kTocHeading + "         0\tMaster Boot Record\n"));
   EXPECT_EQ(outcome.err, failure + failure);
   EXPECT_EQ(outcome.status, 0);
 }

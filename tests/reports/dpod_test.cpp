@@ -95,11 +95,8 @@ TEST(Dpod, SignatureInSmallLettersIsNone) {
 }
 
 TEST(Dpod, OneWrongByteOfTheSignatureIsEnough) {
-  for (std::size_t i = 0; i < 4; ++i) {
-    std::string signature = "DPOD";
-    signature[i] = static_cast<char>(signature[i] ^ 0x20);
-    EXPECT_EQ(RunOn(DiskWith({.signature = signature}), {"41"}).err, kNoMagicTwice) << i;
-  }
+  for (const std::string& signature : WithOneWrongCharacter("DPOD"))
+    EXPECT_EQ(RunOn(DiskWith({.signature = signature}), {"41"}).err, kNoMagicTwice) << signature;
 }
 
 // The record takes two sectors of 128 bytes, the disk has one. The GPT header stands among the boot code of

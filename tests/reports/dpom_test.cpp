@@ -89,11 +89,8 @@ TEST(Dpom, SignatureInSmallLettersIsNone) {
 }
 
 TEST(Dpom, OneWrongByteOfTheSignatureIsEnough) {
-  for (std::size_t i = 0; i < 4; ++i) {
-    std::string signature = "DPOM";
-    signature[i] = static_cast<char>(signature[i] ^ 0x20);
-    EXPECT_EQ(RunOn(DiskWith({.signature = signature}), {"40"}).err, kNoMagicTwice) << i;
-  }
+  for (const std::string& signature : WithOneWrongCharacter("DPOM"))
+    EXPECT_EQ(RunOn(DiskWith({.signature = signature}), {"40"}).err, kNoMagicTwice) << signature;
 }
 
 // Nothing is registered, nothing printed but the report of the sector that was asked for.

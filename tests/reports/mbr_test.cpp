@@ -72,9 +72,7 @@ TEST(Mbr, UnreadableSectorEndsBothPasses) {
                        "Global::Read short read, needed 512, got 0\nError reading sector\n"
                        "Global::Read short read, needed 512, got 0\nError reading sector\n"));
   EXPECT_TRUE(SameText(outcome.out, Preamble(disk, " [ whole disk ]") +
-                                        "Reading sector # 0 [Master Boot Record]\n"
-                                        "\n\tTable Of Contents\n\t=================\n\n"
-                                        "   Sector#\tContents\n   -------\t--------\n"
+                                        "Reading sector # 0 [Master Boot Record]\n" + kTocHeading +
                                         "         0\tMaster Boot Record\n"));
 }
 

@@ -10,8 +10,6 @@ namespace {
 
 const std::string kBanner = "Trovisk version 1.4 built <date>\n\n";
 const std::string kTooFar = "There aren't that many sectors on the disk !!\n";
-const std::string kTocHeading =
-    "\n\tTable Of Contents\n\t=================\n\n   Sector#\tContents\n   -------\t--------\n";
 
 // 100 sectors, a partition that nothing is registered for, text in sectors 5 and 7.
 Disk PlainDisk() {

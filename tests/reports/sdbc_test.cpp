@@ -141,11 +141,8 @@ Reading sector # 48 [as a raw sector]
 
 // The blanks behind the letters count.
 TEST(Sdbc, OneWrongByteOfTheSignatureIsEnough) {
-  for (std::size_t i = 0; i < 8; ++i) {
-    std::string signature = "SDBC    ";
-    signature[i] = static_cast<char>(signature[i] ^ 0x20);
-    EXPECT_EQ(RunOn(DiskWith({.signature = signature}), {"48"}).err, kNoMagicTwice) << i;
-  }
+  for (const std::string& signature : WithOneWrongCharacter("SDBC    "))
+    EXPECT_EQ(RunOn(DiskWith({.signature = signature}), {"48"}).err, kNoMagicTwice) << signature;
 }
 
 TEST(Sdbc, RecordCutByTheEndOfTheDisk) {

@@ -200,11 +200,8 @@ Reading sector # 40 [as a raw sector]
 }
 
 TEST(SpaceDb, OneWrongByteOfTheSignatureIsEnough) {
-  for (std::size_t i = 0; i < 8; ++i) {
-    std::string signature = "SPACEDB ";
-    signature[i] = static_cast<char>(signature[i] ^ 0x20);
-    EXPECT_EQ(RunOn(DiskWith({.signature = signature}), {"40"}).err, kNoMagicTwice) << i;
-  }
+  for (const std::string& signature : WithOneWrongCharacter("SPACEDB "))
+    EXPECT_EQ(RunOn(DiskWith({.signature = signature}), {"40"}).err, kNoMagicTwice) << signature;
 }
 
 TEST(SpaceDb, SdbcBeyondTheEndOfTheDisk) {

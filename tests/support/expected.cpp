@@ -124,13 +124,14 @@ std::string ReportOf(const Disk& disk, u64 sector, const std::string& loading) {
   return outcome.out.size() < preamble.size() ? std::string() : outcome.out.substr(preamble.size());
 }
 
+std::string TocRowsIn(const std::string& report) {
+  const std::size_t at = report.rfind(kTocHeading);
+  EXPECT_NE(at, std::string::npos) << report;
+  return at == std::string::npos ? std::string() : report.substr(at + kTocHeading.size());
+}
+
 std::string TocOf(const Disk& disk) {
-  const Outcome outcome = RunOn(disk);
-  const std::string heading =
-      "\n\tTable Of Contents\n\t=================\n\n   Sector#\tContents\n   -------\t--------\n";
-  const std::size_t at = outcome.out.rfind(heading);
-  EXPECT_NE(at, std::string::npos) << outcome.out << outcome.err;
-  return at == std::string::npos ? std::string() : outcome.out.substr(at + heading.size());
+  return TocRowsIn(RunOn(disk).out);
 }
 
 std::string TocRow(u64 sector, const std::string& description) {
@@ -143,6 +144,13 @@ std::string TocRows(u64 first, u64 last, const std::string& description) {
   for (u64 sector = first; sector <= last; ++sector)
     rows += TocRow(sector, description);
   return rows;
+}
+
+std::string GptTocRows(const Disk& disk, const std::string& partitions) {
+  return TocRow(0, "Master Boot Record") + TocRow(1, "Primary GPT Header") +
+         TocRow(2, "GUID Partition Table Start") + TocRows(3, 32, "GUID Partition Table") +
+         TocRow(33, "GUID Partition Table End") + partitions +
+         TocRow(disk.Sectors() - 1, "Backup GPT Header");
 }
 
 std::string Section(const std::string& text, const std::string& begin, const std::string& end) {

@@ -33,12 +33,23 @@ std::string Preamble(const Disk& disk, const std::string& reading, const std::st
 // when the preamble is another, or when the run does not end with status 0.
 std::string ReportOf(const Disk& disk, u64 sector, const std::string& loading = "");
 
+// What stands above the rows of the table of contents, from the empty line behind the last report.
+inline const std::string kTocHeading =
+    "\n\tTable Of Contents\n\t=================\n\n   Sector#\tContents\n   -------\t--------\n";
+
+// The rows of the table that a whole-disk run's report ends with. Fails the test where there is none.
+std::string TocRowsIn(const std::string& report);
+
 // The table of contents that a whole-disk run ends with, rows only: "         0\tMaster Boot Record\n"...
 std::string TocOf(const Disk& disk);
 
 // Its row for one sector, and its rows for the sectors first..last, with that description.
 std::string TocRow(u64 sector, const std::string& description);
 std::string TocRows(u64 first, u64 last, const std::string& description);
+
+// The rows of a disk with a GPT (PutGpt) whose passes end in front of the backup header; partitions: the rows
+// between the array and that header.
+std::string GptTocRows(const Disk& disk, const std::string& partitions);
 
 // The part of a text from the first place of begin up to the next place of end. Fails the test when either is
 // not there.

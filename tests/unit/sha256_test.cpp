@@ -8,20 +8,13 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/digits.h"
+
 namespace trovisk {
 namespace {
 
-std::string Hex(const Sha256Digest& digest) {
-  std::string digits;
-  for (const u8 byte : digest) {
-    digits += "0123456789abcdef"[byte >> 4];
-    digits += "0123456789abcdef"[byte & 15];
-  }
-  return digits;
-}
-
 std::string DigestOf(const std::vector<u8>& message) {
-  return Hex(Sha256(message));
+  return test::SmallDigits(Sha256(message));
 }
 
 std::string DigestOfText(std::string_view text) {
@@ -100,7 +93,7 @@ TEST(Sha256, PublishedMonteCarloCheckpoint) {
   }
   Sha256Digest last{};
   std::copy(lastThree.end() - 32, lastThree.end(), last.begin());
-  EXPECT_EQ(Hex(last), "e93c330ae5447738c8aa85d71a6c80f2a58381d05872d26bdd39f1fcd4f2b788");
+  EXPECT_EQ(test::SmallDigits(last), "e93c330ae5447738c8aa85d71a6c80f2a58381d05872d26bdd39f1fcd4f2b788");
 }
 
 constexpr std::string_view kDigestsByLength[] = {
