@@ -70,11 +70,6 @@ void AddGptSeeds(std::vector<Seed>& seeds) {
   headerSeed("gpt-header-large-entries", {.entrySize = 0x80000000, .entriesCrc = 0});
   headerSeed("gpt-header-no-entries", {.entrySize = 0});
   headerSeed("gpt-header-own-sector", {.otherLba = 1, .entriesLba = 1, .entriesCrc = 0});
-  // On a device whose sectors have no bytes, every structure stands in the first ones.
-  Disk none(kSectors);
-  PutGptHeader(none, 0, {.entriesLba = 2, .entryCount = 0xFFFFFFFF, .entriesCrc = 0});
-  none.At(0).U8(0x1C2, 0xEE);
-  seeds.push_back({"gpt-no-bytes", {.memory = {none, {{.call = Call::kSectorSize, .amount = 0}}}}});
 }
 
 void AddSpacesSeeds(std::vector<Seed>& seeds) {
