@@ -346,7 +346,7 @@ class SeekFaults : public ReadFaults {
   struct Seek {
     u64 sector;
     u64 from;          // the sector that the pass visited before this one
-    std::size_t back;  // 0: the frame's; else the how manieth of the decoders'
+    std::size_t back;  // 0: the frame's; 1 and up: the decoders', in their order
     bool printing;
     std::string report;  // up to there
   };
