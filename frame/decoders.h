@@ -1,4 +1,4 @@
-// The directory of the house: every SectorDecoder of the program, and what puts back what the decoders of a
+// Every SectorDecoder of the program, and what puts back what the decoders of a
 // folder pass to each other. A decoder reaches another one only through this file, to register it for a
 // sector or to hand its own sector over.
 

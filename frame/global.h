@@ -51,7 +51,7 @@ class Global {
 extern Global disk;
 
 // Registers a sector for a decoder; a sector that is registered already keeps its entry. The description is
-// copied. Always true: the table has no limit of its own.
+// copied. True: the table has no limit of its own that could refuse one.
 bool AddTocEntry(Global& global, u64 sector, SectorDecoder decoder, WideText description);
 
 // The same for every sector from first up to, not including, end; none when end <= first.

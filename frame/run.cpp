@@ -117,8 +117,7 @@ std::optional<u64> NextUnregistered(const Request& request, u64 position) {
 
 constexpr WideText kRawSector = L"Raw Sector";
 
-// Counts through the sectors, as far as anyone can see: between two registered or requested sectors nothing
-// happens, so the position moves straight on.
+// Moves from one registered or requested sector to the next: between them nothing happens.
 bool PrintSectors(const Request& request, u64 walkLimit) {
   u64 position = 0;
   auto registered = disk.toc.FirstAtOrAfter(position);

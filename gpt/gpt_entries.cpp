@@ -11,6 +11,7 @@
 
 #include "frame/global.h"
 #include "frame/guid.h"
+#include "frame/report/field_table.h"
 #include "frame/report/names.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
@@ -29,6 +30,16 @@ constexpr std::size_t kNameSize = 72;
 constexpr std::size_t kEntrySize = 128;
 
 using EntryView = FixedBytes<kEntrySize>;
+
+constexpr FieldRow kTypeField[] = {
+    {"\tPartition Type GUID   : { ", kTypeGuid, kGuidText, " }"},
+};
+constexpr FieldRow kIdentityAndExtent[] = {
+    {"\tPartition Unique GUID : { ", kUniqueGuid, kGuidText, " }"},
+    {"\tStarting LBA          : ", kStartingLba, kLe64},
+    {"\tEnding LBA            : ", kEndingLba, kLe64},
+};
+static_assert(FieldsFit(kTypeField, kEntrySize) && FieldsFit(kIdentityAndExtent, kEntrySize));
 
 struct AttributeName {
   unsigned bit;
@@ -84,24 +95,16 @@ void PrintName(FixedBytes<kNameSize> name) {
 
 void PrintReport(EntryView entry) {
   const auto type = Part<kTypeGuid, 16>(entry);
-  report << "\tPartition Type GUID   : { ";
-  PrintGuid(type);
-  report << " }" << LineEnd;
+  PrintFields(entry, kTypeField);
   report << "\tPartition Type        : [ " << GptTypeName(type) << " ]" << LineEnd;
   if (AllZero(type)) {
     report << LineEnd;
     return;
   }
-  report << "\tPartition Unique GUID : { ";
-  PrintGuid(Part<kUniqueGuid, 16>(entry));
-  report << " }" << LineEnd;
-
-  const u64 first = Le64<kStartingLba>(entry);
-  const u64 last = Le64<kEndingLba>(entry);
-  report << "\tStarting LBA          : " << first << LineEnd;
-  report << "\tEnding LBA            : " << last << LineEnd;
+  PrintFields(entry, kIdentityAndExtent);
   // Wraps where the end lies before the start, and where there are more bytes than 64 bits can say.
-  const u64 bytes = (last - first + 1) * disk.bytesPerSector;
+  const u64 sectors = Le64<kEndingLba>(entry) - Le64<kStartingLba>(entry) + 1;
+  const u64 bytes = sectors * disk.bytesPerSector;
   report << "\tPartition Size        : " << (bytes >> 20) << " (MiB)" << LineEnd;
   PrintAttributes(Le64<kAttributes>(entry));
   PrintName(Part<kName, kNameSize>(entry));

@@ -47,7 +47,7 @@ constexpr FieldRow kEntriesCrcRow[] = {
 };
 static_assert(FieldsFit(kFields, kInterpreted) && FieldsFit(kEntriesCrcRow, kInterpreted));
 
-// The revision as one number. The weights are this report's own: revision 1.0, bytes 00 00 01 00, gives 10.
+// The revision as one number. The weights make revision 1.0, bytes 00 00 01 00, the number 10.
 double RevisionNumber(FixedBytes<4> revision) {
   return revision[0] * 1000.0 + revision[1] * 100.0 + revision[2] * 10.0 + revision[3] / 10.0;
 }

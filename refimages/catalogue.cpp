@@ -1,4 +1,4 @@
-// The digests of the known boot code, each checked against several sectors written by the named release.
+// The digests of the known boot code.
 
 #include "refimages/catalogue.h"
 

@@ -1,6 +1,5 @@
 // The known boot code: which stretch of a boot sector each named piece of code occupies, and the SHA-256 by
-// which it is recognised. The comparison is as exact as one with a stored copy, and no vendor's code is
-// distributed.
+// which it is recognised. A digest tells code as exactly as a copy would, and needs none of a vendor's code.
 
 #ifndef TROVISK_REFIMAGES_CATALOGUE_H
 #define TROVISK_REFIMAGES_CATALOGUE_H
@@ -48,7 +47,7 @@ struct BootCodeRow {
   BootCode code;
   std::size_t offset;                    // bytes from the start of the sector
   std::size_t length;                    // bytes
-  std::optional<BootCodeDigest> digest;  // none: not known yet, matches nothing
+  std::optional<BootCodeDigest> digest;  // none: not known, matches nothing
 };
 
 // The rows in the order of the enumeration. The tests link rows of their own.

@@ -16,8 +16,7 @@ static_assert(kDumpHeading.size() + kBlockBytes / kRowBytes * kRowText + 1 <= In
 // What stands around the rows: nothing, or the column heading and an empty line.
 enum class Around { kNothing, kListing };
 
-// The settings are left as field-by-field printing would leave them: decimal, and capitals on once a byte has
-// been shown.
+// Leaves the report in decimal and, once a byte has been shown, with capitals.
 void PrintRows(Bytes bytes, std::size_t rows, Around around) {
   if (rows != 0) {
     ReportSettings& settings = InPlace::Settings();

@@ -1,5 +1,5 @@
-// Three tables that turn codes found on disk into the names that the reports print. The abbreviations,
-// truncations and unbalanced brackets of the names are the program's own vocabulary.
+// Three tables that turn codes found on disk into the names that the reports print. Scripts that read reports
+// compare these names, so their abbreviations and unbalanced brackets stay as they are.
 
 #include "frame/report/names.h"
 

@@ -1,20 +1,20 @@
 // The report on its way out, and the error lines beside it. Everything that the program prints goes through
 // one of the two objects declared here.
 //
-// A line end is a newline and a flush as far as anyone can see. On a terminal that is what happens. Elsewhere
-// the text leaves the program before the next read of the disk, before anything goes to standard error and at
-// the end, so that nothing printed waits for a disk that hangs and a sector costs one write instead of forty.
+// On a terminal every line leaves at its end. Elsewhere the text leaves the program before the next read of
+// the disk, before anything goes to standard error and at the end, so that nothing printed waits for a disk
+// that hangs, and a sector costs one write, not one for each of its lines.
 //
-// Numbers follow two settings, which stick: the base, and whether digits above 9 are capitals. They are
-// behaviour: a hexadecimal field returns to decimal, but its capitals stay for the rest of the run. The
-// printing verbs of this folder change them (frame/report/in_place.h), a decoder never does.
+// Numbers follow two settings, which stick and are part of what a report looks like: the base, and whether
+// digits above 9 are capitals. A hexadecimal field returns to decimal, but its capitals stay for the rest of
+// the run. The printing verbs of this folder change them (frame/report/in_place.h), a decoder never does.
 
 #ifndef TROVISK_FRAME_REPORT_REPORT_H
 #define TROVISK_FRAME_REPORT_REPORT_H
 
+#include <algorithm>
 #include <array>
 #include <concepts>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -93,7 +93,7 @@ class Report {
 
   void Append(std::string_view text) {
     if (ahead_ == nullptr && text.size() <= kBytes - used_) {
-      std::memcpy(bytes_.data() + used_, text.data(), text.size());
+      std::copy(text.begin(), text.end(), bytes_.data() + used_);
       used_ += text.size();
     } else {
       AppendPiecewise(text);
