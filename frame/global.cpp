@@ -27,6 +27,10 @@ void Global::Reset() {
 bool Global::Open(WideText path, const char* argument) {
   report.Flush();
   if (const ErrorCode error = OpenDevice(device_, path, argument); error != 0) {
+    if (!device_.refusal.empty()) {
+      errors << "Global::Open: " << path << " " << device_.refusal << '\n';
+      return false;
+    }
     errors << "Global::Open: couldn't open " << path << " for reading, error " << NumberOf(error) << '\n';
     return false;
   }
@@ -63,9 +67,9 @@ bool Global::Seek(u64 offset) {
 }
 
 bool Global::ReadExactly(u8* buffer, u64 count) {
-  report.Flush();
   u32 got = 0;
   const u32 wanted = static_cast<u32>(count);
+  if (!IsReadAhead(device_, wanted)) report.Flush();
   if (const ErrorCode error = ReadDevice(device_, buffer, wanted, got); error != 0) {
     errors << "Global::Read failed, error " << NumberOf(error) << '\n';
     return false;

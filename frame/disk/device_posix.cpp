@@ -1,4 +1,4 @@
-// The operating system's side on Linux: block devices by number or path, and image files.
+// The operating system's side on Linux: block devices by number or path, and image files in their place.
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -16,8 +17,13 @@
 #include <string>
 #include <vector>
 
+#include "frame/disk/container_kind.h"
+#include "frame/disk/container_process_posix.h"
 #include "frame/disk/device.h"
 #include "frame/disk/disk_numbers.h"
+#include "frame/disk/image_files_posix.h"
+#include "frame/disk/image_name.h"
+#include "frame/disk/posix_file.h"
 
 #ifdef __linux__
 #include <linux/fs.h>
@@ -28,24 +34,8 @@ namespace {
 
 constexpr u64 kLargestOffset = std::numeric_limits<i64>::max();
 
-ErrorCode LastError() {
-  return static_cast<ErrorCode>(errno);
-}
-
 int Descriptor(const Device& device) {
   return static_cast<int>(device.handle);
-}
-
-// Read-only, never waiting for a writer of a FIFO, never becoming the controlling terminal. Moved above the
-// standard descriptors, so that a report written to a closed one can never meet the disk.
-int OpenReadOnly(const std::string& path, int flags) {
-  const int opened = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | flags);
-  if (opened < 0 || opened > STDERR_FILENO) return opened;
-  const int moved = fcntl(opened, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  const int error = errno;
-  close(opened);
-  errno = error;
-  return moved;
 }
 
 bool IsPartition(const std::string& name) {
@@ -61,40 +51,6 @@ std::string DiskOfNumber(const std::string& digits) {
   std::ifstream partitions("/proc/partitions");
   const std::vector<std::string> disks = NumberedDisks(partitions, IsPartition);
   return number < disks.size() ? "/dev/" + disks[number] : std::string();
-}
-
-// Splits "PATH@N", N a decimal number of bytes per sector; 0 where the argument does not have that form.
-u32 SectorSizeOfName(const std::string& argument, std::string& path) {
-  constexpr u32 kLargest = 1048576;
-  const std::size_t at = argument.rfind('@');
-  if (at == std::string::npos) return 0;
-  u32 size = 0;
-  const char* const end = argument.data() + argument.size();
-  const auto number = std::from_chars(argument.data() + at + 1, end, size);
-  if (number.ec != std::errc() || number.ptr != end || size > kLargest) return 0;
-  path = argument.substr(0, at);
-  return size;
-}
-
-// The first sector size at which a GPT header stands in the second sector, 512 where none does.
-u32 SectorSizeOfImage(int descriptor) {
-  constexpr char kSignature[] = {'E', 'F', 'I', ' ', 'P', 'A', 'R', 'T'};
-  for (const u32 size : {512U, 1024U, 2048U, 4096U}) {
-    char bytes[sizeof kSignature];
-    if (pread(descriptor, bytes, sizeof bytes, static_cast<off_t>(size)) == ssize_t{sizeof bytes} &&
-        std::memcmp(bytes, kSignature, sizeof bytes) == 0) {
-      return size;
-    }
-  }
-  return 512;
-}
-
-ssize_t ReadAt(int descriptor, void* buffer, std::size_t count, u64 position) {
-  ssize_t got = 0;
-  do {
-    got = pread(descriptor, buffer, count, static_cast<off_t>(position));
-  } while (got < 0 && errno == EINTR);
-  return got;
 }
 
 // A buffered read of a block device fails as a whole page where one sector of it is unreadable. Read past the
@@ -113,6 +69,37 @@ ssize_t ReadUnbuffered(Device& device, u8* buffer, u32 count) {
   return got;
 }
 
+// Puts an image in the place of the descriptor of the regular file at the path: of the file's own bytes where
+// the name states their sector size, else of what the file holds.
+ErrorCode OpenImage(Device& device, const std::string& path, u64 length) {
+  const int descriptor = Descriptor(device);
+  ImageSource source;
+  if (device.sectorSize == 0) {
+    std::array<u8, kContainerHead> head;
+    std::array<u8, kContainerTail> tail;
+    const ssize_t headBytes = ReadAt(descriptor, head.data(), head.size(), 0);
+    const ssize_t tailBytes =
+        ReadAt(descriptor, tail.data(), tail.size(), length - std::min<u64>(length, tail.size()));
+    const auto* const kind =
+        ContainerKindOf(Bytes(head).first(static_cast<std::size_t>(std::max<ssize_t>(headBytes, 0))),
+                        Bytes(tail).first(static_cast<std::size_t>(std::max<ssize_t>(tailBytes, 0))));
+    if (kind != nullptr && kind->format == ContainerFormat::kFixedVhd) {
+      source = FileSource(descriptor, FixedVhdLength(tail, length));
+    } else if (kind != nullptr) {
+      const ErrorCode error = OpenContainerProcess(*kind, path, source, device.refusal);
+      if (error != 0) return error;
+      close(descriptor);
+    } else if (PieceNames::IsFirst(path)) {
+      if (!OpenPieces(path, descriptor, length, source, device.refusal) && !device.refusal.empty())
+        return EINVAL;
+    }
+  }
+  if (source.read == nullptr) source = FileSource(descriptor, length);
+  device.handle = -1;
+  device.image = std::make_unique<Image>(source, device.sectorSize);
+  return 0;
+}
+
 }  // namespace
 
 ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* argument) {
@@ -121,12 +108,12 @@ ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* argument) {
     path = DiskOfNumber(path);
   }
   device = Device{};
-  device.handle = OpenReadOnly(path, 0);
+  device.handle = OpenReadOnly(path);
   if (device.handle < 0 && (errno == ENOENT || errno == ENAMETOOLONG)) {  // no file of the whole name
     const int error = errno;
-    if (const u32 size = SectorSizeOfName(argument, path); size != 0) {
+    if (const u32 size = SectorSizeOfName(std::string(argument), path); size != 0) {
       device.sectorSize = size;
-      device.handle = OpenReadOnly(path, 0);
+      device.handle = OpenReadOnly(path);
     } else {
       errno = error;
     }
@@ -140,18 +127,19 @@ ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* argument) {
       errno = ENXIO;
     }
   }
-  return device.handle < 0 ? LastError() : 0;
+  if (device.handle < 0) return LastError();
+  struct stat status {};
+  if (fstat(Descriptor(device), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  return OpenImage(device, path, static_cast<u64>(status.st_size));
 }
 
 bool IsOpen(const Device& device) {
-  return device.handle >= 0;
+  return device.handle >= 0 || device.image != nullptr;
 }
 
 ErrorCode QuerySectorSize(Device& device, u32& bytesPerSector) {
-  struct stat status {};
-  if (fstat(Descriptor(device), &status) != 0) return LastError();
-  if (S_ISREG(status.st_mode)) {
-    bytesPerSector = device.sectorSize != 0 ? device.sectorSize : SectorSizeOfImage(Descriptor(device));
+  if (device.image != nullptr) {
+    bytesPerSector = device.image->SectorSize();
     return 0;
   }
   int size = 0;
@@ -162,10 +150,8 @@ ErrorCode QuerySectorSize(Device& device, u32& bytesPerSector) {
 }
 
 ErrorCode QueryLength(const Device& device, u64& bytes) {
-  struct stat status {};
-  if (fstat(Descriptor(device), &status) != 0) return LastError();
-  if (S_ISREG(status.st_mode)) {
-    bytes = static_cast<u64>(status.st_size);
+  if (device.image != nullptr) {
+    bytes = device.image->Length();
     return 0;
   }
   return ioctl(Descriptor(device), BLKGETSIZE64, &bytes) == 0 ? 0 : LastError();
@@ -179,9 +165,20 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
   return 0;
 }
 
+bool IsReadAhead(const Device& device, u32 count) {
+  return device.image != nullptr && device.image->Holds(device.position, count);
+}
+
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
   // Up to the largest offset there is: the system would refuse to read across it instead of reading short.
   count = static_cast<u32>(std::min<u64>(count, kLargestOffset - device.position));
+  if (device.image != nullptr) {
+    std::size_t bytes = 0;
+    const ErrorCode error = device.image->Read(device.position, buffer, count, bytes);
+    got = static_cast<u32>(bytes);
+    device.position += got;
+    return error;
+  }
   ssize_t bytes = ReadAt(Descriptor(device), buffer, count, device.position);
   if (bytes < 0 && errno == EIO) {
     bytes = ReadUnbuffered(device, buffer, count);
@@ -195,7 +192,7 @@ ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
 
 ErrorCode CloseDevice(Device& device) {
   if (device.direct >= 0) close(static_cast<int>(device.direct));
-  const int result = close(Descriptor(device));
+  const int result = device.handle >= 0 ? close(Descriptor(device)) : 0;
   device = Device{};
   return result == 0 ? 0 : LastError();
 }

@@ -67,6 +67,10 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
   return error;
 }
 
+bool IsReadAhead(const Device& device, u32 count) {
+  return device.image != nullptr && device.image->Holds(device.position, count);
+}
+
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
   DWORD bytes = 0;
   if (!ReadFile(Handle(device), buffer, count, &bytes, nullptr)) return Failure();

@@ -132,6 +132,10 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
   return 0;
 }
 
+bool IsReadAhead(const Device& /*device*/, u32 /*count*/) {
+  return false;
+}
+
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 wanted, u32& got) {
   for (got = 0; got < wanted && device.position / kSectorSize < sectors; got += kSectorSize) {
     Compute(device.position / kSectorSize, buffer + got);

@@ -186,6 +186,10 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
   return 0;
 }
 
+bool IsReadAhead(const Device& /*device*/, u32 /*count*/) {
+  return false;
+}
+
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
   const u32 size = test::inserted.disk.SectorSize();
   const Fault* const fault = Meet(Call::kRead, size == 0 ? 0 : device.position / size);

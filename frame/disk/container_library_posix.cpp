@@ -1,0 +1,255 @@
+// The functions are those that the libraries' own manuals describe (libewf, libvhdi, libvmdk, libqcow); all
+// take a null for the error that they could describe.
+
+#include "frame/disk/container_library_posix.h"
+
+#include <dlfcn.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+
+namespace trovisk {
+namespace {
+
+constexpr ContainerLibrary kLibraries[] = {
+    {ContainerFormat::kEwf, "libewf.so.2", "libewf2", "libewf_handle", "_read_random"},
+    {.format = ContainerFormat::kVhd,
+     .file = "libvhdi.so.1",
+     .package = "libvhdi1",
+     .prefix = "libvhdi_file",
+     .read = "_read_buffer_at_offset",
+     .parent = "_get_utf8_parent_filename",
+     .adopt = "_set_parent_file",
+     .identity = "_get_identifier",
+     .parentIdentity = "_get_parent_identifier",
+     .identitySize = 16},
+    {.format = ContainerFormat::kVmdk,
+     .file = "libvmdk.so.1",
+     .package = "libvmdk1",
+     .prefix = "libvmdk_handle",
+     .read = "_read_buffer_at_offset",
+     .extents = "_open_extent_data_files",
+     .parent = "_get_utf8_parent_filename",
+     .adopt = "_set_parent_handle",
+     .identity = "_get_content_identifier",
+     .parentIdentity = "_get_parent_content_identifier",
+     .identitySize = 4},
+    {.format = ContainerFormat::kQcow,
+     .file = "libqcow.so.1",
+     .package = "libqcow1",
+     .prefix = "libqcow_file",
+     .read = "_read_buffer_at_offset",
+     .parent = "_get_utf8_backing_filename",
+     .adopt = "_set_parent_file"},
+};
+
+constexpr int kReadOnly = 1;
+
+}  // namespace
+
+// One open image of a chain. The functions of its library are looked up as they are needed.
+struct Container {
+  const ContainerLibrary* library = nullptr;
+  void* code = nullptr;    // the loaded library
+  void* handle = nullptr;  // the library's
+  ssize_t (*read)(void* handle, void* buffer, std::size_t size, i64 offset, void** error) = nullptr;
+  u64 length = 0;  // bytes
+  OpenedContainer parent;
+};
+
+namespace {
+
+// A function of the library, by what its name has behind the prefix.
+template <typename Function>
+Function* Find(const Container& container, const char* name) {
+  const std::string whole = container.library->prefix + std::string(name);
+  return reinterpret_cast<Function*>(dlsym(container.code, whole.c_str()));
+}
+
+template <typename... Arguments>
+bool Call(const Container& container, const char* name, Arguments... arguments) {
+  auto* const function = Find<int(Arguments..., void**)>(container, name);
+  return function != nullptr && function(arguments..., nullptr) == 1;
+}
+
+using GlobFunction = int(const char* name, std::size_t length, u8 format, char*** names, int* count,
+                         void** error);
+
+// An EWF image has further segments, which the library looks for by their names. One whose name has another
+// ending is taken to be all there is.
+bool OpenSegments(const Container& container, const std::string& path) {
+  auto* const glob = reinterpret_cast<GlobFunction*>(dlsym(container.code, "libewf_glob"));
+  char** names = nullptr;
+  int count = 0;
+  std::string alone = path;
+  char* only = alone.data();
+  if (glob == nullptr || glob(path.c_str(), path.size(), 0, &names, &count, nullptr) != 1 || count < 1) {
+    names = &only;
+    count = 1;
+  }
+  auto* const open = Find<int(void*, char* const*, int, int, void**)>(container, "_open");
+  return open != nullptr && open(container.handle, names, count, kReadOnly, nullptr) == 1;
+}
+
+bool OpenFile(const Container& container, const std::string& path) {
+  if (container.library->format == ContainerFormat::kEwf) return OpenSegments(container, path);
+  auto* const open = Find<int(void*, const char*, int, void**)>(container, "_open");
+  return open != nullptr && open(container.handle, path.c_str(), kReadOnly, nullptr) == 1;
+}
+
+// The name of the image that this one rests on; empty where it rests on none.
+std::string ParentName(const Container& container) {
+  if (container.library->parent == nullptr) return {};
+  const std::string sizeOf = std::string(container.library->parent) + "_size";
+  std::size_t size = 0;
+  if (!Call(container, sizeOf.c_str(), container.handle, &size) || size < 2) return {};
+  std::string name(size, '\0');
+  if (!Call(container, container.library->parent, container.handle, reinterpret_cast<u8*>(name.data()),
+            size)) {
+    return {};
+  }
+  name.resize(name.find('\0'));
+  return name;
+}
+
+bool IsFile(const std::string& path, struct stat& status) {
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// Where the parent is: as it is named, beside the child as it is named, beside the child by its last part.
+// Names that Windows has written have backslashes. Empty: nowhere.
+std::string FindParent(const std::string& child, std::string name) {
+  const std::string folder = child.substr(0, child.rfind('/') + 1);  // npos + 1 is 0: no folder
+  std::replace(name.begin(), name.end(), '\\', '/');
+  const std::string last = name.substr(name.rfind('/') + 1);
+  struct stat status {};
+  for (const std::string& path : {name, folder + name, folder + last}) {
+    const bool relative = !path.starts_with('/');
+    if (path == name && relative) continue;  // what it is relative to is the child's folder
+    if (IsFile(path, status)) return path;
+  }
+  if (folder.empty() && IsFile(name, status)) return name;
+  return {};
+}
+
+bool SameFile(const std::string& one, const std::string& other) {
+  struct stat first {};
+  struct stat second {};
+  return stat(one.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 &&
+         first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+// An image's own identity or its parent's; empty where the library does not know it.
+std::vector<u8> Identity(const Container& container, const char* name) {
+  if (name == nullptr) return {};
+  std::vector<u8> identity(container.library->identitySize);
+  const bool known = identity.size() == sizeof(u32)
+                         ? Call(container, name, container.handle, reinterpret_cast<u32*>(identity.data()))
+                         : Call(container, name, container.handle, identity.data(), identity.size());
+  return known ? identity : std::vector<u8>{};
+}
+
+OpenedContainer OpenChain(const ContainerLibrary& library, const std::string& path,
+                          std::vector<std::string>& chain, std::string& refusal);
+
+bool AdoptParent(Container& container, const std::string& path, std::vector<std::string>& chain,
+                 std::string& refusal) {
+  const std::string name = ParentName(container);
+  if (name.empty()) return true;
+  const std::string parentPath = FindParent(path, name);
+  if (parentPath.empty()) {
+    refusal = "rests on the image " + name + ", which is missing";
+    return false;
+  }
+  for (const std::string& each : chain) {
+    if (SameFile(each, parentPath)) {
+      refusal = "rests on the image " + name + ", which rests on itself";
+      return false;
+    }
+  }
+  container.parent = OpenChain(*container.library, parentPath, chain, refusal);
+  if (container.parent == nullptr) {
+    if (refusal.empty()) refusal = "rests on the image " + name + ", which is damaged or of another kind";
+    return false;
+  }
+  const std::vector<u8> wanted = Identity(container, container.library->parentIdentity);
+  const std::vector<u8> found = Identity(*container.parent, container.library->identity);
+  if (!wanted.empty() && !found.empty() && wanted != found) {
+    refusal = "rests on another state of the image " + name + " than the one that is there";
+    return false;
+  }
+  return Call(container, container.library->adopt, container.handle, container.parent->handle);
+}
+
+OpenedContainer OpenChain(const ContainerLibrary& library, const std::string& path,
+                          std::vector<std::string>& chain, std::string& refusal) {
+  chain.push_back(path);
+  OpenedContainer container(new Container);
+  container->library = &library;
+  container->code = dlopen(library.file, RTLD_NOW | RTLD_LOCAL);
+  if (container->code == nullptr || !Call(*container, "_initialize", &container->handle)) {
+    return nullptr;
+  }
+  if (!OpenFile(*container, path) || !AdoptParent(*container, path, chain, refusal)) return nullptr;
+  if (library.extents != nullptr && !Call(*container, library.extents, container->handle)) {
+    refusal = "names files with its content that are missing or damaged";
+    return nullptr;
+  }
+  container->read = Find<ssize_t(void*, void*, std::size_t, i64, void**)>(*container, library.read);
+  if (container->read == nullptr ||
+      !Call(*container, "_get_media_size", container->handle, &container->length)) {
+    return nullptr;
+  }
+  return container;
+}
+
+}  // namespace
+
+void ContainerCloser::operator()(Container* container) const {
+  if (container->handle != nullptr) {
+    if (auto* const close = Find<int(void*, void**)>(*container, "_close")) close(container->handle, nullptr);
+    if (auto* const release = Find<int(void**, void**)>(*container, "_free"))
+      release(&container->handle, nullptr);
+  }
+  delete container;
+}
+
+const ContainerLibrary* LibraryFor(ContainerFormat format) {
+  if (format == ContainerFormat::kVhdx) format = ContainerFormat::kVhd;
+  const auto* const found = std::find_if(std::begin(kLibraries), std::end(kLibraries),
+                                         [&](const ContainerLibrary& row) { return row.format == format; });
+  return found == std::end(kLibraries) ? nullptr : found;
+}
+
+OpenedContainer OpenContainer(const ContainerKind& kind, const std::string& path, std::string& refusal) {
+  const ContainerLibrary* const library = LibraryFor(kind.format);
+  void* const code = dlopen(library->file, RTLD_NOW | RTLD_LOCAL);
+  if (code == nullptr) {
+    refusal = std::string("is ") + std::string(kind.name) + ", and " + library->file +
+              ", which reads it, is missing: install the package " + library->package + ", or " +
+              std::string(kind.advice);
+    return nullptr;
+  }
+  std::vector<std::string> chain;
+  OpenedContainer container = OpenChain(*library, path, chain, refusal);
+  if (container == nullptr && !refusal.empty()) refusal = "is " + std::string(kind.name) + " that " + refusal;
+  return container;
+}
+
+u64 ContainerLength(const Container& container) {
+  return container.length;
+}
+
+bool ReadContainer(const Container& container, u64 offset, u8* buffer, std::size_t count, std::size_t& got) {
+  got = 0;
+  while (got < count && offset + got < container.length) {
+    const ssize_t more =
+        container.read(container.handle, buffer + got, count - got, static_cast<i64>(offset + got), nullptr);
+    if (more <= 0) return false;
+    got += static_cast<std::size_t>(more);
+  }
+  return true;
+}
+
+}  // namespace trovisk

@@ -1,0 +1,59 @@
+// An image file in place of a disk: a raw file, the pieces of one, or a container's content.
+//
+// No caching and no read-ahead is a rule about devices. Of an image, reads that follow one another are served
+// from a larger one, which grows with the run of them; a lone read stays a lone read.
+
+#ifndef TROVISK_FRAME_DISK_IMAGE_H
+#define TROVISK_FRAME_DISK_IMAGE_H
+
+#include <vector>
+
+#include "frame/error_code.h"
+
+namespace trovisk {
+
+// Where an image's bytes come from.
+struct ImageSource {
+  void* state = nullptr;
+  u64 length = 0;  // bytes
+  // Reads at most count bytes at an offset: as many as there are before the end, got of them.
+  ErrorCode (*read)(void* state, u64 offset, u8* buffer, std::size_t count, std::size_t& got) = nullptr;
+  void (*close)(void* state) = nullptr;
+};
+
+class Image {
+ public:
+  // Takes the source over. sectorSize: bytes, 0 where the image's name does not say it.
+  Image(const ImageSource& source, u32 sectorSize);
+  Image(const Image&) = delete;
+  Image& operator=(const Image&) = delete;
+  ~Image();
+
+  u64 Length() const { return source_.length; }  // bytes
+
+  // Bytes: what the name says; else the first of 512, 1024, 2048 and 4096 at which a GPT header stands in the
+  // second sector, 512 where none does.
+  u32 SectorSize();
+
+  // Whether a read of so many bytes is answered without asking for more.
+  bool Holds(u64 offset, std::size_t count) const {
+    return offset >= start_ && count <= held_.size() && offset - start_ <= held_.size() - count;
+  }
+
+  // Reads count bytes at an offset; got is less at the end of the image.
+  ErrorCode Read(u64 offset, u8* buffer, std::size_t count, std::size_t& got);
+
+ private:
+  bool ReadAhead(u64 offset, std::size_t count);
+
+  ImageSource source_;
+  u32 sectorSize_;
+  u64 next_ = ~u64{0};     // where the read before this one ended
+  std::size_t ahead_ = 0;  // bytes of the next larger read
+  std::vector<u8> held_;   // what the last larger read has got
+  u64 start_ = 0;          // where that begins
+};
+
+}  // namespace trovisk
+
+#endif
