@@ -18,15 +18,16 @@ target_compile_options(trovisk_options INTERFACE "-ffile-prefix-map=${CMAKE_SOUR
 
 # The input is hostile: what gets past the code meets the usual walls. The sanitizers bring walls of their
 # own.
-if(CMAKE_BUILD_TYPE STREQUAL "Release")
+if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
   include(CheckPIESupported)
   check_pie_supported()
   set(CMAKE_POSITION_INDEPENDENT_CODE ON)
   target_compile_options(trovisk_options INTERFACE -fstack-protector-strong)
   target_link_options(trovisk_options INTERFACE -fstack-protector-strong)
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
   # Only where neither who builds nor the compiler has chosen a level.
   include(CheckCXXSourceCompiles)
-  set(CMAKE_REQUIRED_FLAGS -O2)
+  set(CMAKE_REQUIRED_FLAGS "-O2 ${CMAKE_CXX_FLAGS_${build_type}}")
   check_cxx_source_compiles(
     "#ifdef _FORTIFY_SOURCE
      #error

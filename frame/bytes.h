@@ -49,14 +49,25 @@ inline Bytes SliceAt(Bytes bytes, u64 position, u64 count) {
                        static_cast<std::size_t>(std::min<u64>(count, bytes.size() - position)));
 }
 
-// Integers of Width bytes at a computed position, least or most significant byte first.
+// The bytes as a number, least or most significant byte first; of more than eight the eight least
+// significant.
+inline u64 LittleEndian(Bytes field) {
+  u64 value = 0;
+  for (std::size_t i = field.size(); i-- > 0;)
+    value = value << 8 | field[i];
+  return value;
+}
+inline u64 BigEndian(Bytes field) {
+  u64 value = 0;
+  for (const u8 byte : field)
+    value = value << 8 | byte;
+  return value;
+}
+
+// Integers of Width bytes at a computed position.
 template <std::size_t Width>
 u64 LittleEndianAt(Bytes bytes, u64 position) {
-  const Bytes field = SliceAt(bytes, position, Width);
-  u64 value = 0;
-  for (std::size_t i = Width; i-- > 0;)
-    value = value << 8 | U8At(field, i);
-  return value;
+  return LittleEndian(SliceAt(bytes, position, Width));
 }
 template <std::size_t Width>
 u64 BigEndianAt(Bytes bytes, u64 position) {

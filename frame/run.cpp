@@ -150,8 +150,11 @@ constexpr u64 kRowsBeyondDisk = u64{1} << 24;
 
 // One row per registered sector.
 void PrintToc(u64 lastOnDisk) {
-  report << LineEnd << "\tTable Of Contents" << LineEnd << "\t=================" << LineEnd << LineEnd
-         << "   Sector#\tContents" << LineEnd << "   -------\t--------" << LineEnd;
+  report << LineEnd;
+  report << "\tTable Of Contents" << LineEnd;
+  report << "\t=================" << LineEnd << LineEnd;
+  report << "   Sector#\tContents" << LineEnd;
+  report << "   -------\t--------" << LineEnd;
   // A damaged entry may register more sectors than the disk has. Those beyond its end (all of them, when its
   // length is unknown) are listed as well, but not without limit: from then on a run shows its ends alone.
   const u64 sectorsOnDisk = lastOnDisk + 1;
@@ -196,7 +199,6 @@ int RunOnOpenDisk(Request request, int argc, char** argv) {
 
 // Puts back everything that an earlier run in this process has left behind.
 void StartAfresh() {
-  PrepareOutput();
   report.Start();
   errors.Start();
   disk.Reset();

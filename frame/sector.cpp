@@ -12,8 +12,6 @@
 namespace trovisk {
 namespace {
 
-constexpr WideText kAsRawSector = L"as a raw sector";
-
 // Room for a sector, one for all of them. It begins with a cache line: systems copy there faster.
 std::span<u8> SectorBuffer() {
   constexpr std::size_t kLine = 64;

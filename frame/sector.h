@@ -49,7 +49,10 @@ std::optional<std::array<u8, Size>> OpenRecord(WideText description, u64 sector,
 // name: what it calls the structure.
 bool CheckSignature(Bytes stored, std::string_view signature, std::string_view name);
 
-// Seeks back to the start of the sector and hands it to DumpRawSector as "as a raw sector". Gives that
+// The description under which a decoder's own sector is dumped.
+inline constexpr WideText kAsRawSector = L"as a raw sector";
+
+// Seeks back to the start of the sector and hands it to DumpRawSector as kAsRawSector. Gives that
 // decoder's result, or kEndPass when the seek fails.
 u64 DumpAsRawSector(u64 sector, bool print);
 

@@ -179,17 +179,20 @@ std::string SectorToc::Complaint() const {
   std::optional<Run> before;
   for (const auto& chunk : chunks_) {
     const std::vector<Run> runs = Unpack(chunk);
-    const std::string place = "chunk of sector " + std::to_string(chunk.first) + ": ";
-    if (runs.empty()) return place + "no runs";
-    if (runs.size() > kChunkRuns) return place + "too many runs";
-    if (runs.front().first != chunk.first) return place + "its key is not its first sector";
+    const auto complaint = [&](const char* what, u64 sector) {
+      std::string text = "chunk of sector ";
+      return text.append(std::to_string(chunk.first)).append(", sector ").append(std::to_string(sector)) +
+             what;
+    };
+    if (runs.empty()) return complaint(": no runs", chunk.first);
+    if (runs.size() > kChunkRuns) return complaint(": too many runs", chunk.first);
+    if (runs.front().first != chunk.first) return complaint(": is not the key", runs.front().first);
     for (const Run& run : runs) {
-      const std::string number = std::to_string(run.first);
-      if (run.last < run.first) return place + "run of sector " + number + " ends before it begins";
-      if (run.kind >= kinds_.size()) return place + "run of sector " + number + " is of no kind";
-      if (before && run.first <= before->last) return place + "run of sector " + number + " overlaps another";
+      if (run.last < run.first) return complaint(": the run ends before it begins", run.first);
+      if (run.kind >= kinds_.size()) return complaint(": the run is of no kind", run.first);
+      if (before && run.first <= before->last) return complaint(": the run overlaps another", run.first);
       if (before && run.first == before->last + 1 && run.kind == before->kind) {
-        return place + "run of sector " + number + " continues the one before it";
+        return complaint(": the run continues the one before it", run.first);
       }
       before = run;
     }
@@ -203,8 +206,8 @@ std::string SectorToc::ToText() const {
     text += "chunk\n";
     for (const Run& run : Unpack(chunk)) {
       const std::wstring& description = kinds_[run.kind].description;
-      text += "  " + std::to_string(run.first) + "-" + std::to_string(run.last) + " " +
-              std::string(description.begin(), description.end()) + "\n";
+      text.append("  ").append(std::to_string(run.first)).append("-").append(std::to_string(run.last));
+      text.append(" ").append(description.begin(), description.end()).append("\n");
     }
   }
   return text;

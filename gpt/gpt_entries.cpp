@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "frame/global.h"
-#include "frame/guid.h"
 #include "frame/report/field_table.h"
 #include "frame/report/names.h"
 #include "frame/report/verbs.h"
@@ -60,21 +59,13 @@ struct KnownPartition {
   WideText description;
 };
 
-constexpr Guid kStorageReplica("558D43C5-A1AC-43C0-AAC8-D1472B2923D1");
-
 constexpr KnownPartition kKnownPartitions[] = {
-    // LDM metadata
-    {Guid("5808C8AA-7E8F-42E0-85D2-E1E90434CFB3"), kEndingLba, DecodePrivhead, L"PRIVHEAD sector"},
-    // EFI system partition
-    {Guid("C12A7328-F81F-11D2-BA4B-00A0C93EC93B"), kStartingLba, DecodeFatBootSector,
-     L"EFI partition boot sector"},
-    // Storage Spaces
-    {Guid("E75CAF8F-F680-4CEE-AFA3-B001E56EFC2D"), kStartingLba, DecodeSpaceDb, L"SPACEDB sector"},
-    {kStorageReplica, kStartingLba, DecodeDpomSector, L"DPOM sector"},
-    // Microsoft basic data
-    {Guid("EBD0A0A2-B9E5-4433-87C0-68B6B72699C7"), kStartingLba, IdentifyBootSector, L"Generic Boot Sector"},
-    // Windows recovery environment
-    {Guid("DE94BBA4-06D1-4D40-A16A-BFD50179D6AC"), kStartingLba, IdentifyBootSector, L"Generic Boot Sector"},
+    {kGptLdmMetadata, kEndingLba, DecodePrivhead, L"PRIVHEAD sector"},
+    {kGptEfiSystem, kStartingLba, DecodeFatBootSector, L"EFI partition boot sector"},
+    {kGptStorageSpaces, kStartingLba, DecodeSpaceDb, L"SPACEDB sector"},
+    {kGptStorageReplica, kStartingLba, DecodeDpomSector, L"DPOM sector"},
+    {kGptBasicData, kStartingLba, IdentifyBootSector, L"Generic Boot Sector"},
+    {kGptRecovery, kStartingLba, IdentifyBootSector, L"Generic Boot Sector"},
 };
 
 void PrintAttributes(u64 attributes) {
@@ -118,7 +109,7 @@ void Register(EntryView entry) {
     if (known.type == type) AddTocEntry(disk, Le64At(entry, known.sector), known.decoder, known.description);
   }
   // The sectors behind the first one, without the partition's last.
-  if (kStorageReplica == type) {
+  if (kGptStorageReplica == type) {
     AddTocRun(disk, Le64<kStartingLba>(entry) + 1, Le64<kEndingLba>(entry), DecodeDpodSector, L"DPOD sector");
   }
 }

@@ -30,6 +30,9 @@ constexpr std::size_t kEntrySize = 0x54;    // u32, bytes
 constexpr std::size_t kEntriesCrc = 0x58;   // u32
 constexpr std::size_t kInterpreted = 0x5C;  // bytes; the rest is reserved
 
+constexpr FieldRow kMagicNumber[] = {
+    {"Magic Number                : [", kSignature, Chars(8), "]"},
+};
 constexpr FieldRow kFields[] = {
     {"Header Size                 : ", kHeaderSize, kLe32, " (bytes)"},
     {"CRC32 Checksum              : 0x", kHeaderCrc, ReversedHexBytes(4)},
@@ -45,7 +48,8 @@ constexpr FieldRow kFields[] = {
 constexpr FieldRow kEntriesCrcRow[] = {
     {"Partition Entry CRC32       : 0x", kEntriesCrc, ReversedHexBytes(4)},
 };
-static_assert(FieldsFit(kFields, kInterpreted) && FieldsFit(kEntriesCrcRow, kInterpreted));
+static_assert(FieldsFit(kMagicNumber, kInterpreted) && FieldsFit(kFields, kInterpreted) &&
+              FieldsFit(kEntriesCrcRow, kInterpreted));
 
 // The revision as one number. The weights make revision 1.0, bytes 00 00 01 00, the number 10.
 double RevisionNumber(FixedBytes<4> revision) {
@@ -61,7 +65,7 @@ u64 LastEntrySector(SectorView header) {
 }
 
 void PrintReport(SectorView header) {
-  report << "Magic Number                : [EFI PART]" << LineEnd;
+  PrintFields(header, kMagicNumber);
   report << "Revision                    : ";
   PrintFraction(RevisionNumber(Part<kRevision, 4>(header)));
   report << LineEnd;

@@ -26,6 +26,7 @@ constexpr std::size_t kIdentifierSize = 8;
 constexpr u32 kMaxPairs = (512 - kIdentifiers) / kIdentifierSize - 1;
 
 constexpr FieldRow kCounterRows[] = {
+    {"Magic Number    : [", kSignature, Chars(4), "]"},
     {"Log Count       : ", kLogCount, kBe32},
     {"Number of KLOGs : ", kKlogCount, kBe32},
     {"KLOG Index      : ", kKlogIndex, kBe32},
@@ -33,7 +34,6 @@ constexpr FieldRow kCounterRows[] = {
 static_assert(FieldsFit(kCounterRows, 512));
 
 void PrintReport(SectorView klog) {
-  report << "Magic Number    : [KLOG]" << LineEnd;
   PrintFields(klog, kCounterRows);
   const u32 pairs = std::min(Be32<kLogCount>(klog), kMaxPairs);
   for (u32 n = 1; n <= pairs; ++n) {

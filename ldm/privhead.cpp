@@ -40,6 +40,7 @@ constexpr std::size_t kDiskSetId = 0x167;      // 16 bytes in the order in which
 constexpr std::size_t kDiskSetIdCopy = 0x177;
 
 constexpr FieldRow kFields[] = {
+    {"Magic Number               : [", kSignature, Chars(8), "]"},
     {"Sequence                   : ", kSequence, kBe32},
     {"Major Number               : 0x", kMajorVersion, HexBytes(2)},
     {"Minor Number               : 0x", kMinorVersion, HexBytes(2)},
@@ -65,7 +66,6 @@ constexpr FieldRow kFields[] = {
 static_assert(FieldsFit(kFields, 512));
 
 void PrintReport(SectorView header) {
-  report << "Magic Number               : [PRIVHEAD]" << LineEnd;
   PrintFields(header, kFields);
   report << LineEnd;
 }

@@ -28,6 +28,7 @@ constexpr std::size_t kLogSize = 88;
 constexpr std::size_t kLogNumber = 96;
 
 constexpr FieldRow kSequenceRows[] = {
+    {"Magic Number               : [", kSignature, Chars(8), "]"},
     {"Sequence#1                 : ", kSequence1, kBe32, " (purpose unknown)"},
     {"Sequence#2                 : ", kSequence2, kBe32, " (purpose unknown)"},
 };
@@ -58,7 +59,6 @@ bool HasSignature(SectorView toc, bool print) {
 }
 
 void PrintReport(SectorView toc) {
-  report << "Magic Number               : [TOCBLOCK]" << LineEnd;
   PrintFields(toc, kSequenceRows);
   report << LineEnd;
   PrintFields(toc, kConfigRows);

@@ -41,6 +41,7 @@ constexpr ValueName kUpdateStatuses[] = {
 };
 
 constexpr FieldRow kNumberRows[] = {
+    {"Magic Number  : [", kSignature, Chars(4), "]"},
     {"Sequence      : ", kSequence, kBe32},
     {"Group Number  : ", kGroup, kBe32},
 };
@@ -99,7 +100,6 @@ void PrintData(Bytes data) {
 
 // data: from the slot's first data byte to the sector's end.
 void PrintRecord(SlotView slot, Bytes data) {
-  report << "Magic Number  : [VBLK]" << LineEnd;
   PrintFields(slot, kNumberRows);
   const u16 count = Be16<kRecordCount>(slot);
   const u16 number = static_cast<u16>(Be16<kRecordNumber>(slot) + (count != 0 ? 1 : 0));

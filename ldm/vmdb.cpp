@@ -40,6 +40,7 @@ constexpr ValueName kUpdateStatuses[] = {
 };
 
 constexpr FieldRow kHeaderRows[] = {
+    {"Magic Number                     : [", kSignature, Chars(4), "]"},
     {"Sequence?                        : ", kSequence, kBe32, " (purpose unknown)"},
     {"Size of VBLK                     : ", kVblkSize, kBe32, " (sectors)"},
     {"VBLK Offset                      : ", kVblkOffset, kBe32},
@@ -65,7 +66,6 @@ constexpr FieldRow kCountRows[] = {
 static_assert(FieldsFit(kHeaderRows, 512) && FieldsFit(kCountRows, 512));
 
 void PrintReport(SectorView vmdb) {
-  report << "Magic Number                     : [VMDB]" << LineEnd;
   PrintFields(vmdb, kHeaderRows);
   report << LineEnd;
   PrintFields(vmdb, kCountRows);

@@ -9,13 +9,14 @@
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "mbr/partition_entry.h"
+#include "refimages/boot_sector.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kLogicalPartition = 0x1BE;
-constexpr std::size_t kNextRecord = 0x1CE;
-constexpr std::size_t kEndMarkHigh = 0x1FF;  // 0xAA
+constexpr std::size_t kLogicalPartition = kPartitionTable;
+constexpr std::size_t kNextRecord = kPartitionTable + kPartitionEntrySize;
+constexpr std::size_t kEndMarkHigh = kEndMark + 1;  // 0xAA
 
 constexpr FieldRow kEnd[] = {
     {"Sector End Mark : 0x", kEndMarkHigh, HexBytes(1)},
@@ -32,7 +33,7 @@ u64 DecodeExtendedBootRecord(WideText description, u64 sector, bool print) {
   if (print) {
     report << LineEnd;
     PrintHeading("Supplementary Boot Record");
-    report << LineEnd << "Partition table entries" << LineEnd << LineEnd;
+    PrintPartitionTableHeading();
   }
   PrintPartitionEntry(Part<kLogicalPartition, kPartitionEntrySize>(record), sector, print);
   PrintPartitionEntry(Part<kNextRecord, kPartitionEntrySize>(record), sector, print);

@@ -5,6 +5,7 @@
 // Checked: end mark, and that neither bytes per sector nor sectors per cluster is zero. Not checked: counts
 // and sizes, which are followed as found.
 
+#include <algorithm>
 #include <optional>
 
 #include "frame/global.h"
@@ -17,8 +18,6 @@ namespace trovisk {
 namespace {
 
 constexpr i32 kRootEntrySize = 32;
-constexpr u32 kFewestFat16Clusters = 4085;
-constexpr u32 kFewestFat32Clusters = 65525;
 
 // What the fields amount to. Sectors relative to the boot sector, in 32 bits: sums of hostile fields wrap.
 struct Layout {
@@ -30,9 +29,8 @@ struct Layout {
 
 // The cluster count alone decides the type, whatever the partition type or the type text says.
 const FatType& TypeOf(u32 clusters) {
-  if (clusters < kFewestFat16Clusters) return kFat12;
-  if (clusters < kFewestFat32Clusters) return kFat16;
-  return kFat32;
+  return *std::find_if(kFatTypes.begin(), kFatTypes.end(),
+                       [&](const FatType& type) { return clusters <= type.mostClusters; });
 }
 
 // None for fields that would divide by zero.
@@ -63,7 +61,7 @@ void PrintReport(SectorView boot, const Layout& layout, u64 sector) {
     const u64 first = Le16<kBpbReservedSectors>(boot) + u64{fat - 1} * layout.fatSize + sector;
     report << "First sector of FAT#" << fat << "         : " << first << LineEnd;
   }
-  if (layout.type != &kFat32) {
+  if (!layout.type->rootInClusters) {
     report << "First root dir sector number  : " << layout.rootDirectory + sector << LineEnd;
   }
   report << "First data sector number      : " << layout.firstData + sector << LineEnd << LineEnd;
@@ -95,7 +93,7 @@ u64 DecodeFatBootSector(WideText description, u64 sector, bool print) {
   }
 
   if (print) PrintReport(boot, *layout, sector);
-  if (layout->type == &kFat32) Register(boot, sector);
+  if (layout->type->rootInClusters) Register(boot, sector);
   return DumpAsRawSector(sector, print);
 }
 

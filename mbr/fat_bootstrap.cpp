@@ -30,29 +30,29 @@ constexpr FieldRow kFat32Sectors[] = {
 };
 static_assert(FieldsFit(kFat32FatSizeRow, 512) && FieldsFit(kFat32Sectors, 512));
 
-constexpr FieldRow kFat16Drive[] = {
-    {"Drive Number                  : 0x", 0x024, HexBytes(1)},
-    {"Extended Boot Signature Byte  : 0x", 0x026, HexBytes(1)},
+constexpr FieldRow kFat16DriveRows[] = {
+    {"Drive Number                  : 0x", kFat16Drive, HexBytes(1)},
+    {"Extended Boot Signature Byte  : 0x", kFat16Signature, HexBytes(1)},
 };
-constexpr FieldRow kFat16Volume[] = {
-    {"Volume Serial Number          : 0x", 0x027, HexBytes(4)},  // in storage order
-    {"Volume Label                  : [ ", 0x02B, Chars(11), " ]"},
-    {"File System Type              : [ ", 0x036, Chars(8), " ]"},
+constexpr FieldRow kFat16VolumeRows[] = {
+    {"Volume Serial Number          : 0x", kFat16VolumeSerial, HexBytes(4)},  // in storage order
+    {"Volume Label                  : [ ", kFat16VolumeLabel, Chars(11), " ]"},
+    {"File System Type              : [ ", kFat16FsType, Chars(8), " ]"},
 };
-constexpr FatExtendedBpb kFat16Extended = {kFat16Drive, 0x026, kFat16Volume};
-static_assert(FieldsFit(kFat16Drive, 512) && FieldsFit(kFat16Volume, 512));
+constexpr FatExtendedBpb kFat16Extended = {kFat16DriveRows, kFat16Signature, kFat16VolumeRows};
+static_assert(FieldsFit(kFat16DriveRows, 512) && FieldsFit(kFat16VolumeRows, 512));
 
 constexpr FieldRow kFat32DriveRows[] = {
     {"Drive Number                  : 0x", kFat32Drive, HexBytes(1)},
     {"Extended Boot Signature Byte  : 0x", kFat32Signature, HexBytes(1)},
 };
-constexpr FieldRow kFat32Volume[] = {
+constexpr FieldRow kFat32VolumeRows[] = {
     {"Volume Serial Number          : 0x", kFat32VolumeSerial, HexBytes(4)},
     {"Volume Label                  : [ ", kFat32VolumeLabel, Chars(11), " ]"},
     {"File System Type              : [ ", kFat32FsType, Chars(8), " ]"},
 };
-constexpr FatExtendedBpb kFat32Extended = {kFat32DriveRows, kFat32Signature, kFat32Volume};
-static_assert(FieldsFit(kFat32DriveRows, 512) && FieldsFit(kFat32Volume, 512));
+constexpr FatExtendedBpb kFat32Extended = {kFat32DriveRows, kFat32Signature, kFat32VolumeRows};
+static_assert(FieldsFit(kFat32DriveRows, 512) && FieldsFit(kFat32VolumeRows, 512));
 
 constexpr FatCode kFat12Codes[] = {
     {BootCode::kFatMsDos50, FatCodePlan::kOffsetTable, "MSDOS5.0 Bootstrap", 0x1A1, 0x1AC, 0x1FB},
@@ -169,9 +169,11 @@ void PrintExtendedBpb(const FatExtendedBpb& extended, SectorView boot) {
 
 }  // namespace
 
-const FatType kFat12 = {"FAT12 Boot Sector", kFat12Codes, kFat16Extended};
-const FatType kFat16 = {"FAT16 Boot Sector", kFat16Codes, kFat16Extended};
-const FatType kFat32 = {"FAT32 Boot Sector", kFat32Codes, kFat32Extended};
+const std::array<FatType, 3> kFatTypes = {{
+    {"FAT12 Boot Sector", 4084, false, kFat12Codes, kFat16Extended},
+    {"FAT16 Boot Sector", 65524, false, kFat16Codes, kFat16Extended},
+    {"FAT32 Boot Sector", ~u32{0}, true, kFat32Codes, kFat32Extended},
+}};
 
 void PrintFatBootstrap(const FatType& type, SectorView bootSector) {
   const FatCode* const code = IdentifyCode(type.codes, bootSector);
@@ -182,7 +184,7 @@ void PrintFatBootstrap(const FatType& type, SectorView bootSector) {
   }
   PrintFatBpb(bootSector);
   report << LineEnd;
-  if (&type == &kFat32) PrintFat32Fields(bootSector);
+  if (type.rootInClusters) PrintFat32Fields(bootSector);
   PrintExtendedBpb(type.extended, bootSector);
   if (code != nullptr) PrintFilesAndMessages(*code, bootSector);
   PrintFields(bootSector, kBootSectorEnd);

@@ -3,6 +3,7 @@
 #ifndef TROVISK_MBR_FAT_BOOTSTRAP_H
 #define TROVISK_MBR_FAT_BOOTSTRAP_H
 
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -35,14 +36,16 @@ struct FatExtendedBpb {
 };
 
 struct FatType {
-  std::string_view heading;        // of the boot sector's report
+  std::string_view heading;  // of the boot sector's report
+  u32 mostClusters;
+  bool rootInClusters;  // the root directory has no place of its own; free clusters are counted, the boot
+                        // sector copied
   std::span<const FatCode> codes;  // in the order of the comparison
   FatExtendedBpb extended;
 };
 
-extern const FatType kFat12;
-extern const FatType kFat16;
-extern const FatType kFat32;
+// By their numbers of clusters, ascending.
+extern const std::array<FatType, 3> kFatTypes;
 
 // Names and lists known bootstrap code, prints the BIOS parameter block and its extension and, for known
 // code, the system files that it loads and its messages.

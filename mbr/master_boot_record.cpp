@@ -25,7 +25,6 @@ constexpr std::size_t kTimeStampMinutes = 0x0DE;
 constexpr std::size_t kTimeStampHours = 0x0DF;
 constexpr std::size_t kMessageOffsets = 0x1B5;  // u8 each: low byte of the offset of messages 1 to 3
 constexpr std::size_t kDiskSignature = 0x1B8;   // u32
-constexpr std::size_t kEntries = 0x1BE;         // four partition table entries
 
 constexpr std::size_t kEntryCount = 4;
 constexpr u8 kTypeGpt = 0xEE;
@@ -81,7 +80,7 @@ const Loader* IdentifyLoader(SectorView mbr) {
 }
 
 FixedBytes<kPartitionEntrySize> Entry(SectorView mbr, std::size_t index) {
-  return mbr.subspan(kEntries + index * kPartitionEntrySize).first<kPartitionEntrySize>();
+  return mbr.subspan(kPartitionTable + index * kPartitionEntrySize).first<kPartitionEntrySize>();
 }
 
 bool HasEntryOfType(SectorView mbr, u8 type) {
@@ -168,7 +167,7 @@ u64 DecodeMasterBootRecord(WideText description, u64 sector, bool print) {
   if (print) {
     PrintTitle(mbr, gpt);
     if (!gpt && loader != nullptr) PrintLoader(*loader, mbr);
-    report << LineEnd << "Partition table entries" << LineEnd << LineEnd;
+    PrintPartitionTableHeading();
   }
   for (std::size_t i = 0; i < kEntryCount; ++i)
     PrintPartitionEntry(Entry(mbr, i), sector, print);

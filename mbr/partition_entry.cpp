@@ -89,6 +89,12 @@ void Register(FixedBytes<kPartitionEntrySize> entry, u64 tableSector) {
 
 }  // namespace
 
+void PrintPartitionTableHeading() {
+  report << LineEnd;
+  report << "Partition table entries" << LineEnd;
+  report << LineEnd;
+}
+
 void PrintPartitionEntry(FixedBytes<kPartitionEntrySize> entry, u64 tableSector, bool print) {
   if (print) PrintReport(entry);
   Register(entry, tableSector);

@@ -32,6 +32,13 @@ inline constexpr std::size_t kBpbHeads = 0x01A;              // u16
 inline constexpr std::size_t kBpbHiddenSectors = 0x01C;      // u32: sectors before the volume
 inline constexpr std::size_t kBpbTotalSectors32 = 0x020;     // u32
 
+// What follows it in FAT12 and FAT16.
+inline constexpr std::size_t kFat16Drive = 0x024;         // u8
+inline constexpr std::size_t kFat16Signature = 0x026;     // u8, 0x29: the next three fields are present
+inline constexpr std::size_t kFat16VolumeSerial = 0x027;  // u32
+inline constexpr std::size_t kFat16VolumeLabel = 0x02B;   // 11 characters
+inline constexpr std::size_t kFat16FsType = 0x036;        // 8 characters
+
 // What follows it in FAT32.
 inline constexpr std::size_t kFat32FatSize = 0x024;       // u32, sectors
 inline constexpr std::size_t kFat32Flags = 0x028;         // u16
@@ -63,9 +70,12 @@ inline constexpr FieldRow kBootSectorEnd[] = {
     {"Sector End Mark               : 0x", kEndMark, ReversedHexBytes(2)},
 };
 
+static_assert(FieldsFit(kBootSectorStart, 512) && FieldsFit(kBootSectorEnd, 512));
+
+// Whether the sector ends in 0x55 0xAA.
 bool HasEndMark(SectorView boot);
 
-// The same; where it is missing the report says so. structure: what it calls the boot sector.
+// Whether it does; where it does not, the report says so. structure: what it calls the boot sector.
 bool CheckEndMark(SectorView boot, std::string_view structure, u64 sector);
 
 }  // namespace trovisk

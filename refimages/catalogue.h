@@ -39,7 +39,7 @@ enum class BootCode {
 inline constexpr std::size_t kBootCodeCount = static_cast<std::size_t>(BootCode::kExFat) + 1;
 
 struct BootCodeDigest {
-  u64 start;  // of the first 64 bytes, as eight little-endian words: their FNV-1a, which rules most codes out
+  u64 sample;  // what SampleHash gives of the stretch: rules other codes out at once
   Sha256Digest whole;
 };
 
@@ -62,6 +62,10 @@ Bytes StretchOf(BootCode code, SectorView sector);
 // Whether exactly that code stands in the sector. Of the sector asked about last nothing is computed twice:
 // who identifies a boot sector and the decoder that it is handed to ask the same.
 bool Matches(BootCode code, SectorView sector);
+
+// A hash of eight 64-bit words of the stretch, one in 32 bytes from its start on, much cheaper than the
+// digest. The words are little-endian; what lies behind the stretch counts as zero.
+u64 SampleHash(Bytes stretch);
 
 // The digest of a stretch, for a row of it.
 BootCodeDigest DigestOf(Bytes stretch);

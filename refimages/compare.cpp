@@ -3,20 +3,11 @@
 namespace trovisk {
 namespace {
 
-// Much cheaper than the digest.
-u64 StartHash(Bytes stretch) {
-  constexpr std::size_t kWords = 8;
-  u64 hash = 0xCBF29CE484222325;
-  for (std::size_t i = 0; i < kWords; ++i)
-    hash = (hash ^ Le64At(stretch, 8 * i)) * 0x100000001B3;
-  return hash;
-}
-
 bool Compare(BootCode code, SectorView sector) {
   const BootCodeRow& row = RowOf(code);
   if (!row.digest) return false;
   const Bytes stretch = StretchOf(code, sector);
-  return StartHash(stretch) == row.digest->start && Sha256(stretch) == row.digest->whole;
+  return SampleHash(stretch) == row.digest->sample && Sha256(stretch) == row.digest->whole;
 }
 
 enum class Answer : u8 { kNone, kDiffers, kMatches };
@@ -49,8 +40,17 @@ bool Matches(BootCode code, SectorView sector) {
   return answer == Answer::kMatches;
 }
 
+u64 SampleHash(Bytes stretch) {
+  constexpr std::size_t kWords = 8;
+  constexpr std::size_t kDistance = 32;
+  u64 hash = 0xCBF29CE484222325;
+  for (std::size_t i = 0; i < kWords; ++i)
+    hash = (hash ^ Le64At(stretch, i * kDistance)) * 0x100000001B3;
+  return hash;
+}
+
 BootCodeDigest DigestOf(Bytes stretch) {
-  return {StartHash(stretch), Sha256(stretch)};
+  return {SampleHash(stretch), Sha256(stretch)};
 }
 
 }  // namespace trovisk

@@ -20,10 +20,11 @@ constexpr std::size_t kPartitionGuid = 0x08;         // GUID
 constexpr std::size_t kReplicationGroupGuid = 0x18;  // GUID
 constexpr std::size_t kUnnamedWords = 0x28;          // six u32
 
-constexpr FieldRow kDataSizeRow[] = {
+constexpr FieldRow kSignatureAndSize[] = {
+    {"Magic Number                    : [", kSignature, Chars(4), "]"},
     {"Data Size (bytes) ?             : ", kDataSize, kLe32},
 };
-static_assert(FieldsFit(kDataSizeRow, kRecordSize));
+static_assert(FieldsFit(kSignatureAndSize, kRecordSize));
 
 void PrintGuidOrEmpty(FixedBytes<16> guid) {
   if (AllZero(guid)) {
@@ -42,8 +43,7 @@ void PrintGuidLine(std::string_view label, FixedBytes<16> guid) {
 }
 
 void PrintReport(FixedBytes<kRecordSize> record) {
-  report << "Magic Number                    : [DPOD]" << LineEnd;
-  PrintFields(record, kDataSizeRow);
+  PrintFields(record, kSignatureAndSize);
   PrintGuidLine("MSFT_WvrReplica Partition GUID  : ", Part<kPartitionGuid, 16>(record));
   PrintGuidLine("Replication Group GUID          : ", Part<kReplicationGroupGuid, 16>(record));
   PrintUnnamedWords("Unknown                         : 0x", Part<kUnnamedWords, 6 * 4>(record));

@@ -20,18 +20,18 @@ constexpr std::size_t kUnnamedWords = 0x08;   // nine u32
 constexpr std::size_t kDiskGuid = 0x2C;       // GUID
 constexpr std::size_t kPartitionGuid = 0x3C;  // GUID
 
-constexpr FieldRow kDataSizeRow[] = {
+constexpr FieldRow kSignatureAndSize[] = {
+    {"Magic Number                      : [", kSignature, Chars(4), "]"},
     {"Data Size (bytes) ?               : ", kDataSize, kLe32},
 };
 constexpr FieldRow kGuids[] = {
     {"Replication Disk GUID             : { ", kDiskGuid, kGuidText, " }"},
     {"Replication Partition Unique GUID : { ", kPartitionGuid, kGuidText, " }"},
 };
-static_assert(FieldsFit(kDataSizeRow, kRecordSize) && FieldsFit(kGuids, kRecordSize));
+static_assert(FieldsFit(kSignatureAndSize, kRecordSize) && FieldsFit(kGuids, kRecordSize));
 
 void PrintReport(FixedBytes<kRecordSize> record) {
-  report << "Magic Number                      : [DPOM]" << LineEnd;
-  PrintFields(record, kDataSizeRow);
+  PrintFields(record, kSignatureAndSize);
   PrintUnnamedWords("Unknown                           : 0x", Part<kUnnamedWords, 9 * 4>(record));
   report << LineEnd;
   PrintFields(record, kGuids);

@@ -31,6 +31,9 @@ constexpr ValueName kPoolTypes[] = {
     {0x29, "Two-Way Mirror"}, {0x2A, "Parity"}, {0x2D, "Parity"}, {0x33, "Three-Way Mirror"},
 };
 
+constexpr FieldRow kMagicNumber[] = {
+    {"Magic Number                : [", kSignature, Chars(8), "]"},
+};
 constexpr FieldRow kFields[] = {
     {"CRC32 Checksum              : 0x", kCrc32, HexBytes(4)},
     {"Spaceport GUID              : { ", kSpaceportGuid, kStoredGuidText, " }"},
@@ -43,10 +46,10 @@ constexpr FieldRow kFields[] = {
     {"Last Transaction Number #2  : 0x", kLastTransaction2, HexBytes(8)},
     {"Timestamp                   : ", kTimeStamp, kBeFileTime},
 };
-static_assert(FieldsFit(kFields, 512));
+static_assert(FieldsFit(kMagicNumber, 512) && FieldsFit(kFields, 512));
 
 void PrintReport(SectorView header) {
-  report << "Magic Number                : [SDBC    ]" << LineEnd;
+  PrintFields(header, kMagicNumber);
   PrintRevisionLine(Part<kRevision, 4>(header));
   PrintFields(header, kFields);
 }

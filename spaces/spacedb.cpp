@@ -27,9 +27,12 @@ constexpr std::size_t kZeroes = 0x48;       // 8 bytes
 constexpr std::size_t kUnknown50 = 0x50;    // 8 bytes
 constexpr std::size_t kTimeStamp = 0x58;    // u64, FILETIME; 0: none
 
-// From this sector to the catalogue header, whatever the sector size.
+// From this sector to the SDBC, whatever the sector size.
 constexpr u64 kSectorsToSdbc = 8;
 
+constexpr FieldRow kMagicNumber[] = {
+    {"Magic Number                : [", kSignature, Chars(8), "]"},
+};
 constexpr FieldRow kBeforeFileTime[] = {
     {"CRC32 Checksum              : 0x", kCrc32, HexBytes(4)},
     {"Unknown                     : 0x", kUnknown10, HexBytes(8)},
@@ -42,7 +45,8 @@ constexpr FieldRow kBehindNumber[] = {
     {"Zeroes                      : 0x", kZeroes, HexBytes(8)},
     {"Unknown                     : 0x", kUnknown50, HexBytes(8)},
 };
-static_assert(FieldsFit(kBeforeFileTime, 512) && FieldsFit(kGuids, 512) && FieldsFit(kBehindNumber, 512));
+static_assert(FieldsFit(kMagicNumber, 512) && FieldsFit(kBeforeFileTime, 512) && FieldsFit(kGuids, 512) &&
+              FieldsFit(kBehindNumber, 512));
 
 // Day, month, year and time of day in UTC.
 void PrintCalendarTime(u64 fileTime) {
@@ -65,7 +69,7 @@ void PrintCalendarTime(u64 fileTime) {
 }
 
 void PrintReport(SectorView header) {
-  report << "Magic Number                : [SPACEDB ]" << LineEnd;
+  PrintFields(header, kMagicNumber);
   PrintRevisionLine(Part<kRevision, 4>(header));
   PrintFields(header, kBeforeFileTime);
   report << "Unknown FILETIME            : ";

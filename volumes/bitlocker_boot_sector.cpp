@@ -34,8 +34,7 @@ constexpr FieldRow kEnd[] = {
 };
 
 // Windows Vista
-constexpr std::size_t kVistaMftEntrySize = 0x040;  // u8
-constexpr std::size_t kVistaCode = 0x054;          // to the end mark
+constexpr std::size_t kVistaCode = 0x054;  // to the end mark
 
 constexpr FieldRow kVistaBeforeMftEntrySize[] = {
     {"Disk Unit Number                       : 0x", 0x024, HexBytes(1)},
@@ -44,11 +43,11 @@ constexpr FieldRow kVistaBeforeMftEntrySize[] = {
     {"Reserved                               : 0x", 0x027, HexBytes(1)},
     {"Total Sectors (64-bit)                 : ", kNtfsTotalSectors, kLe64},
     {"MFT Cluster Block Number               : ", kNtfsMft, kLe64},
-    {"FVE Metadata Blocl 1 Cluster           : ", 0x038, kLe64},  // sic; instead of the MFT's mirror
+    {"FVE Metadata Blocl 1 Cluster           : ", kNtfsMftMirror, kLe64},  // sic; instead of the MFT's mirror
 };
 constexpr FieldRow kVistaBehindMftEntrySize[] = {
     {"Unknown #1                             : 0x", 0x041, HexBytes(3)},
-    {"Index Entry Size                       : ", 0x044, kU8},
+    {"Index Entry Size                       : ", kNtfsIndexBlock, kU8},
     {"Unknown #2                             : 0x", 0x045, HexBytes(3)},
     {"Volume Serial Number                   : 0x", kNtfsVolumeSerial, VolumeSerial(8)},
     {"Checksum                               : 0x", kNtfsChecksum, ReversedHexBytes(4)},
@@ -61,8 +60,8 @@ constexpr std::size_t kSevenMessages = 0x100;        // where the first message 
 constexpr std::size_t kSevenMessageOffsets = 0x1FB;  // u8 each, of 3 messages
 
 constexpr FieldRow kSevenFields[] = {
-    // 0x044 lies inside this layout's serial number, and is shown as in the other layout all the same.
-    {"Index Entry Size                       : ", 0x044, kU8},
+    // Lies inside this layout's serial number, and is shown as in the other layout all the same.
+    {"Index Entry Size                       : ", kNtfsIndexBlock, kU8},
     {"Sectors/FAT (32-bit)                   : ", kFat32FatSize, kLe32},
     {"FAT Flags                              : 0x0000", kFat32Flags,
      ReversedHexBytes(2)},  // in twice its width
@@ -93,7 +92,7 @@ static_assert(FieldsFit(kCommon, 512) && FieldsFit(kEnd, 512) && FieldsFit(kVist
 void PrintVista(SectorView boot) {
   PrintFields(boot, kVistaBeforeMftEntrySize);
   report << "MFT Entry Size                         : ";
-  PrintRawByte(U8<kVistaMftEntrySize>(boot));
+  PrintRawByte(U8<kNtfsFileRecordSegment>(boot));
   report << LineEnd;
   PrintFields(boot, kVistaBehindMftEntrySize);
   PrintCodeSection("Windows Vista Bitlocker Bootstrap Code", Part<kVistaCode, kEndMark - kVistaCode>(boot));

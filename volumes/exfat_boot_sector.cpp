@@ -8,6 +8,7 @@
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "refimages/boot_sector.h"
+#include "refimages/catalogue.h"
 
 namespace trovisk {
 namespace {
@@ -28,8 +29,6 @@ constexpr std::size_t kClusterShift = 0x06D;       // u8, sectors per cluster as
 constexpr std::size_t kFatCount = 0x06E;           // u8
 constexpr std::size_t kDriveSelect = 0x06F;        // u8
 constexpr std::size_t kPercentInUse = 0x070;       // u8, 0xFF: unknown
-constexpr std::size_t kBootCode = 0x078;           // 244 bytes
-constexpr std::size_t kBootCodeSize = 244;
 constexpr std::size_t kMessages = 0x16C;
 constexpr std::size_t kMessageOffsets = 0x1FB;  // u8 each: low byte of the offset of messages 1 to 3
 
@@ -104,7 +103,7 @@ void PrintReport(SectorView boot) {
   report << "Sectors / Cluster         : " << (u32{1} << (U8<kClusterShift>(boot) % 32)) << LineEnd;
   PrintFields(boot, kDriveFields);
 
-  PrintCodeSection("Windows exFAT Bootstrap Code", Part<kBootCode, kBootCodeSize>(boot));
+  PrintCodeSection("Windows exFAT Bootstrap Code", StretchOf(BootCode::kExFat, boot));
   PrintMessages(boot);
   PrintFields(boot, kBootSectorEnd);
   report << LineEnd;

@@ -78,15 +78,19 @@ void PrintNames(const std::vector<std::wstring>& names) {
 }
 
 void PrintReport(const Layout& layout, const std::vector<std::wstring>& names, SectorView sector) {
-  if (!layout.heading.empty()) report << LineEnd << layout.heading << LineEnd << LineEnd;
+  if (!layout.heading.empty()) {
+    report << LineEnd;
+    report << layout.heading << LineEnd << LineEnd;
+  }
   PrintNames(names);
   report << "Bootcode : " << LineEnd;
-  report << kDumpHeading;
+  PrintDumpHeading();
   // A last row stands below the full ones even when no byte is left for it.
   const Bytes code = FromAt(sector, layout.code);
   PrintDumpRows(code, code.size() / 16 + 1);
   if (layout.hasMessage) {
-    report << LineEnd << "Message : " << LineEnd << LineEnd;
+    report << LineEnd;
+    report << "Message : " << LineEnd << LineEnd;
     PrintChars(Part<kMessage, kMessageSize>(sector));
     report << LineEnd << LineEnd;
   }

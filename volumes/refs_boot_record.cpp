@@ -101,7 +101,7 @@ u64 DecodeReFsBootRecord(WideText description, u64 sector, bool print) {
   refsVolume = {.volumeSector = sector, .sectorsPerCluster = Le32<kSectorsPerCluster>(boot)};
   if (!SeekToSector(sector)) return kEndPass;
   Register(boot, description, sector);
-  return DumpRawSector(L"as a raw sector", sector, print);
+  return DumpRawSector(kAsRawSector, sector, print);
 }
 
 u64 DecodeReFsBackupBootRecord(WideText description, u64 sector, bool print) {

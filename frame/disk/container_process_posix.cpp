@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "frame/disk/container_library_posix.h"
-#include "frame/disk/posix_file.h"
+#include "frame/disk/file_posix.h"
 
 namespace trovisk {
 namespace {

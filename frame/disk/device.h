@@ -19,7 +19,7 @@ namespace trovisk {
 // One open disk. The members belong to the system's file.
 struct Device {
   std::intptr_t handle = -1;     // the invalid handle, all ones, when no disk is open
-  std::intptr_t direct = -1;     // where a second, unbuffered descriptor is kept
+  int direct = -1;               // where a second, unbuffered descriptor is kept
   u64 position = 0;              // bytes, where the program keeps the position itself
   u32 sectorSize = 0;            // bytes, where the disk's name says it
   std::unique_ptr<Image> image;  // set where an image file stands for a disk, which has no handle then

@@ -9,8 +9,6 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <limits>
 #include <memory>
@@ -21,9 +19,9 @@
 #include "frame/disk/container_process_posix.h"
 #include "frame/disk/device.h"
 #include "frame/disk/disk_numbers.h"
+#include "frame/disk/file_posix.h"
 #include "frame/disk/image_files_posix.h"
 #include "frame/disk/image_name.h"
-#include "frame/disk/posix_file.h"
 
 #ifdef __linux__
 #include <linux/fs.h>
@@ -51,22 +49,6 @@ std::string DiskOfNumber(const std::string& digits) {
   std::ifstream partitions("/proc/partitions");
   const std::vector<std::string> disks = NumberedDisks(partitions, IsPartition);
   return number < disks.size() ? "/dev/" + disks[number] : std::string();
-}
-
-// A buffered read of a block device fails as a whole page where one sector of it is unreadable. Read past the
-// page cache, the good sectors beside a bad one can still be shown.
-ssize_t ReadUnbuffered(Device& device, u8* buffer, u32 count) {
-  constexpr std::size_t kAlignment = 4096;
-  if (device.direct < 0) {
-    device.direct = OpenReadOnly("/proc/self/fd/" + std::to_string(device.handle), O_DIRECT);
-    if (device.direct < 0) return -1;
-  }
-  const std::size_t room = (count + kAlignment - 1) / kAlignment * kAlignment;
-  const std::unique_ptr<void, decltype(&std::free)> aligned(std::aligned_alloc(kAlignment, room), &std::free);
-  if (!aligned) return -1;
-  const ssize_t got = ReadAt(static_cast<int>(device.direct), aligned.get(), count, device.position);
-  if (got > 0) std::memcpy(buffer, aligned.get(), static_cast<std::size_t>(got));
-  return got;
 }
 
 // Puts an image in the place of the descriptor of the regular file at the path: of the file's own bytes where
@@ -172,22 +154,16 @@ bool IsReadAhead(const Device& device, u32 count) {
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
   // Up to the largest offset there is: the system would refuse to read across it instead of reading short.
   count = static_cast<u32>(std::min<u64>(count, kLargestOffset - device.position));
+  std::size_t bytes = 0;
+  ErrorCode error = 0;
   if (device.image != nullptr) {
-    std::size_t bytes = 0;
-    const ErrorCode error = device.image->Read(device.position, buffer, count, bytes);
-    got = static_cast<u32>(bytes);
-    device.position += got;
-    return error;
+    error = device.image->Read(device.position, buffer, count, bytes);
+  } else {
+    error = ReadBytes(Descriptor(device), device.direct, device.position, buffer, count, bytes);
   }
-  ssize_t bytes = ReadAt(Descriptor(device), buffer, count, device.position);
-  if (bytes < 0 && errno == EIO) {
-    bytes = ReadUnbuffered(device, buffer, count);
-    if (bytes < 0) return EIO;
-  }
-  if (bytes < 0) return LastError();
   got = static_cast<u32>(bytes);
   device.position += got;
-  return 0;
+  return error;
 }
 
 ErrorCode CloseDevice(Device& device) {

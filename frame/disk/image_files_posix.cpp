@@ -8,8 +8,8 @@
 #include <memory>
 #include <vector>
 
+#include "frame/disk/file_posix.h"
 #include "frame/disk/image_name.h"
-#include "frame/disk/posix_file.h"
 
 namespace trovisk {
 namespace {
@@ -18,22 +18,18 @@ namespace {
 struct File {
   int descriptor;
   u64 length;
+  int direct = -1;  // as ReadBytes keeps it
 };
 
-ErrorCode ReadFileAt(int descriptor, u64 offset, u8* buffer, std::size_t count, std::size_t& got) {
-  const ssize_t bytes = ReadAt(descriptor, buffer, count, offset);
-  got = bytes < 0 ? 0 : static_cast<std::size_t>(bytes);
-  return bytes < 0 ? LastError() : 0;
-}
-
 ErrorCode ReadFileSource(void* state, u64 offset, u8* buffer, std::size_t count, std::size_t& got) {
-  const auto& file = *static_cast<File*>(state);
+  auto& file = *static_cast<File*>(state);
   const u64 rest = file.length - std::min(offset, file.length);
-  return ReadFileAt(file.descriptor, offset, buffer, std::min<u64>(count, rest), got);
+  return ReadBytes(file.descriptor, file.direct, offset, buffer, std::min<u64>(count, rest), got);
 }
 
 void CloseFileSource(void* state) {
   const std::unique_ptr<File> file(static_cast<File*>(state));
+  if (file->direct >= 0) close(file->direct);
   close(file->descriptor);
 }
 
@@ -47,12 +43,20 @@ struct Pieces {
   std::vector<Piece> pieces;
   std::size_t current = 0;
   int descriptor = -1;
+  int direct = -1;  // as ReadBytes keeps it
 };
+
+void CloseCurrent(Pieces& pieces) {
+  for (int* const descriptor : {&pieces.descriptor, &pieces.direct}) {
+    if (*descriptor >= 0) close(*descriptor);
+    *descriptor = -1;
+  }
+}
 
 // Opens the piece unless it is open.
 ErrorCode SelectPiece(Pieces& pieces, std::size_t index) {
   if (pieces.current == index && pieces.descriptor >= 0) return 0;
-  if (pieces.descriptor >= 0) close(pieces.descriptor);
+  CloseCurrent(pieces);
   pieces.descriptor = OpenReadOnly(pieces.pieces[index].path);
   pieces.current = index;
   return pieces.descriptor < 0 ? LastError() : 0;
@@ -71,7 +75,8 @@ ErrorCode ReadPieces(void* state, u64 offset, u8* buffer, std::size_t count, std
     if (const ErrorCode error = SelectPiece(pieces, index); error != 0) return error;
     std::size_t more = 0;
     const std::size_t wanted = static_cast<std::size_t>(std::min<u64>(count - got, piece->end - at));
-    const ErrorCode error = ReadFileAt(pieces.descriptor, at - start, buffer + got, wanted, more);
+    const ErrorCode error =
+        ReadBytes(pieces.descriptor, pieces.direct, at - start, buffer + got, wanted, more);
     if (error != 0) return error;
     got += more;
     if (more < wanted) break;  // the piece was made shorter meanwhile
@@ -81,7 +86,7 @@ ErrorCode ReadPieces(void* state, u64 offset, u8* buffer, std::size_t count, std
 
 void ClosePieces(void* state) {
   const std::unique_ptr<Pieces> pieces(static_cast<Pieces*>(state));
-  if (pieces->descriptor >= 0) close(pieces->descriptor);
+  CloseCurrent(*pieces);
 }
 
 bool Exists(const std::string& path) {
@@ -92,7 +97,7 @@ bool Exists(const std::string& path) {
 }  // namespace
 
 ImageSource FileSource(int descriptor, u64 length) {
-  return {new File{descriptor, length}, length, ReadFileSource, CloseFileSource};
+  return {new File{.descriptor = descriptor, .length = length}, length, ReadFileSource, CloseFileSource};
 }
 
 bool OpenPieces(const std::string& first, int descriptor, u64 length, ImageSource& source,

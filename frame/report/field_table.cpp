@@ -1,5 +1,8 @@
 #include "frame/report/field_table.h"
 
+#include <algorithm>
+#include <array>
+
 #include "frame/report/names.h"
 #include "frame/report/report.h"
 #include "frame/report/verbs.h"
@@ -7,18 +10,12 @@
 namespace trovisk {
 namespace {
 
-// The field as a number; its first byte is the least or the most significant.
-u64 LittleEndian(Bytes field) {
-  u64 value = 0;
-  for (std::size_t i = field.size(); i-- > 0;)
-    value = value << 8 | field[i];
-  return value;
-}
-u64 BigEndian(Bytes field) {
-  u64 value = 0;
-  for (const u8 byte : field)
-    value = value << 8 | byte;
-  return value;
+// The field, zeros where its structure ends before it.
+template <std::size_t Size>
+std::array<u8, Size> Filled(Bytes field) {
+  std::array<u8, Size> filled{};
+  std::copy_n(field.begin(), std::min(Size, field.size()), filled.begin());
+  return filled;
 }
 
 void PrintNamed(Bytes field, const Format& format) {
@@ -52,7 +49,7 @@ void PrintField(Bytes field, const Format& format) {
       PrintChars(field);
       break;
     case Format::Kind::kGuid:
-      PrintGuid(field.first<16>());
+      PrintGuid(Filled<16>(field));
       break;
     case Format::Kind::kStoredGuid:
       PrintStoredGuid(field);
@@ -61,7 +58,7 @@ void PrintField(Bytes field, const Format& format) {
       PrintVolumeSerial(field);
       break;
     case Format::Kind::kMediaType:
-      report << MediaTypeName(field[0]);
+      report << MediaTypeName(U8At(field, 0));
       break;
     case Format::Kind::kBigEndianFileTime:
       PrintFileTime(BigEndian(field));
@@ -84,7 +81,7 @@ std::string_view NameOf(u64 value, std::span<const ValueName> names) {
 void PrintFields(Bytes structure, std::span<const FieldRow> rows) {
   for (const FieldRow& row : rows) {
     report << row.label;
-    PrintField(structure.subspan(row.offset, row.format.length), row.format);
+    PrintField(SliceAt(structure, row.offset, row.format.length), row.format);
     report << row.suffix << LineEnd;
   }
 }

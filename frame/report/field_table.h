@@ -91,7 +91,7 @@ constexpr bool FieldsFit(std::span<const FieldRow> rows, std::size_t size) {
   return true;
 }
 
-// Each row's label, value, suffix and a line end.
+// Each row's label, value, suffix and a line end. Of a field beyond the structure's end what lies inside.
 void PrintFields(Bytes structure, std::span<const FieldRow> rows);
 
 }  // namespace trovisk

@@ -10,6 +10,8 @@
 namespace trovisk {
 namespace {
 
+constexpr std::string_view kDumpHeading = "\n       00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f\n\n";
+
 constexpr std::size_t kBlockBytes = 4096;  // formatted in place at once
 static_assert(kDumpHeading.size() + kBlockBytes / kRowBytes * kRowText + 1 <= InPlace::kRoom);
 
@@ -42,6 +44,10 @@ void PrintRows(Bytes bytes, std::size_t rows, Around around) {
 }
 
 }  // namespace
+
+void PrintDumpHeading() {
+  InPlace::Take(PutText(InPlace::Room(), kDumpHeading));
+}
 
 void PrintListing(Bytes bytes) {
   PrintRows(bytes, bytes.size() / kRowBytes, Around::kListing);

@@ -9,8 +9,7 @@ namespace trovisk {
 
 // What stands above a listing, between two empty lines: seven blanks and the sixteen column numbers in small
 // letters.
-inline constexpr std::string_view kDumpHeading =
-    "\n       00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f\n\n";
+void PrintDumpHeading();
 
 // The heading, all whole rows and an empty line.
 void PrintListing(Bytes bytes);

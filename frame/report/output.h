@@ -7,10 +7,9 @@
 #include <cstddef>
 
 #include "frame/error_code.h"
+#include "frame/report/settings.h"
 
 namespace trovisk {
-
-enum class Output { kReport, kErrors };  // standard output, standard error
 
 // Writes a stretch of text, whole or not at all as far as the caller can tell. 0 or the system's error.
 ErrorCode WriteOutput(Output output, const char* text, std::size_t count);
@@ -21,7 +20,7 @@ bool IsClosedPipe(ErrorCode error);
 // Whether the text is shown as it comes, line by line.
 bool IsTerminal(Output output);
 
-// Prepares the process, before anything is written: character set of the terminal, broken pipes.
+// Prepares the process once, before anything is written: character set of the terminal, broken pipes.
 void PrepareOutput();
 
 }  // namespace trovisk

@@ -22,7 +22,8 @@ ErrorCode WriteOutput(Output output, const char* text, std::size_t count) {
     const ssize_t written = write(Descriptor(output), text, count);
     if (written < 0) {
       if (errno == EINTR) continue;
-      if (errno != EAGAIN) return static_cast<ErrorCode>(errno);
+      // Error lines do not wait: who reads the report need not read them.
+      if (errno != EAGAIN || output == Output::kErrors) return static_cast<ErrorCode>(errno);
       pollfd slowReader{Descriptor(output), POLLOUT, 0};  // the pipe was handed over as a non-blocking one
       poll(&slowReader, 1, -1);
       continue;

@@ -39,4 +39,10 @@ char* PutNarrow(char* out, WideText text) {
   return out;
 }
 
+std::string Narrow(WideText text) {
+  std::string narrow(text.size() * kNarrowText, '\0');
+  narrow.resize(static_cast<std::size_t>(PutNarrow(narrow.data(), text) - narrow.data()));
+  return narrow;
+}
+
 }  // namespace trovisk

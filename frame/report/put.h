@@ -5,17 +5,13 @@
 #define TROVISK_FRAME_REPORT_PUT_H
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 #include "frame/bytes.h"
+#include "frame/report/settings.h"
 
 namespace trovisk {
-
-// How a report shows numbers.
-struct ReportSettings {
-  bool hexadecimal = false;  // else decimal
-  bool capitals = false;
-};
 
 inline char* PutText(char* out, std::string_view text) {
   return std::copy(text.begin(), text.end(), out);
@@ -29,6 +25,7 @@ char* PutNumber(char* out, u64 value, ReportSettings settings, std::size_t width
 // Each takes up to kNarrowText.
 inline constexpr std::size_t kNarrowText = 16;
 char* PutNarrow(char* out, WideText text);
+std::string Narrow(WideText text);
 
 }  // namespace trovisk
 

@@ -4,16 +4,20 @@
 #include <array>
 #include <cstdlib>
 
+#include "frame/report/output.h"
+#include "frame/report/put.h"
+
 namespace trovisk {
 
 constinit Report report(Output::kReport);
 constinit Report errors(Output::kErrors, &report);
 
 void Report::Start() {
+  static const bool prepared = (PrepareOutput(), true);
+  Flush();
   settings_ = {};
-  text_ = nullptr;
-  used_ = 0;
-  terminal_ = ahead_ == nullptr && IsTerminal(output_);  // what keeps nothing back need not know
+  failed_ = false;
+  terminal_ = prepared && ahead_ == nullptr && IsTerminal(output_);  // what keeps nothing back need not know
 }
 
 // The buffer counts as empty from the start: what goes wrong here is printed as well.
@@ -24,7 +28,9 @@ void Report::Empty() {
     text_->append(printed);
     return;
   }
+  if (failed_) return;
   const ErrorCode error = WriteOutput(output_, printed.data(), printed.size());
+  failed_ = error != 0;
   if (error == 0 || ahead_ != nullptr) return;
   if (IsClosedPipe(error)) std::exit(0);
   errors << "Error writing the report, error " << error << '\n';
@@ -52,9 +58,7 @@ void Report::AppendNumber(u64 value, bool minus) {
 }
 
 Report& Report::operator<<(WideText text) {
-  std::string narrow(text.size() * kNarrowText, '\0');
-  narrow.resize(static_cast<std::size_t>(PutNarrow(narrow.data(), text) - narrow.data()));
-  return *this << narrow;
+  return *this << Narrow(text);
 }
 
 Report& Report::operator<<(LineEndMark /*mark*/) {

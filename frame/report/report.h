@@ -21,8 +21,7 @@
 #include <utility>
 
 #include "frame/bytes.h"
-#include "frame/report/output.h"
-#include "frame/report/put.h"
+#include "frame/report/settings.h"
 
 namespace trovisk {
 
@@ -44,7 +43,7 @@ class Report {
   Report(const Report&) = delete;
   Report& operator=(const Report&) = delete;
 
-  // How a run finds it: empty, going to the system, decimal, small letters.
+  // How a run finds it: decimal, small letters, nothing kept back. Where it is directed to stays.
   void Start();
 
   // Text as it is; wide text in the C locale's narrow characters, '?' for those that it does not have, up to
@@ -67,11 +66,16 @@ class Report {
     return *this;
   }
 
+  // Other numbers have verbs of their own or none: a truth value would go out as a character.
+  template <typename Other>
+  requires(std::is_arithmetic_v<Other> && !ReportedInteger<Other> && !std::same_as<Other, char>) Report&
+  operator<<(Other other) = delete;
+
   // Hands everything printed so far to the operating system, or to the string that it is directed to.
   //
   // A report that can no longer be written ends the process on the spot: with status 1 and one line on
-  // standard error, or quietly with status 0 when the reader closed its end of the pipe. An error line that
-  // cannot be written is lost.
+  // standard error, or quietly with status 0 when the reader closed its end of the pipe. After an error line
+  // that cannot be written no further one is.
   void Flush() {
     if (used_ != 0) Empty();
   }
@@ -107,6 +111,7 @@ class Report {
   Report* ahead_;
   ReportSettings settings_;
   bool terminal_ = false;
+  bool failed_ = false;  // the system has refused some of it
   std::string* text_ = nullptr;
   std::size_t used_ = 0;
   std::array<char, kBytes> bytes_{};

@@ -1,7 +1,7 @@
 #include "frame/report/verbs.h"
 
 #include <array>
-#include <charconv>
+#include <cstdio>
 #include <ctime>
 
 #include "frame/report/in_place.h"
@@ -40,9 +40,7 @@ ReportSettings& Settings() {
 }  // namespace
 
 std::string ToNarrow(WideText text) {
-  std::string narrow(text.size() * kNarrowText, '\0');
-  narrow.resize(static_cast<std::size_t>(PutNarrow(narrow.data(), text) - narrow.data()));
-  return narrow;
+  return Narrow(text);
 }
 
 // More than any description has.
@@ -133,10 +131,8 @@ void PrintHexKeepingBase(u64 value, std::size_t width) {
 
 void PrintFraction(double value) {
   std::array<char, 32> digits;
-  constexpr int kSignificant = 6;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
-                                 std::chars_format::general, kSignificant);
-  report << std::string_view(digits.data(), static_cast<std::size_t>(end.ptr - digits.data()));
+  const int count = std::snprintf(digits.data(), digits.size(), "%g", value);
+  report << std::string_view(digits.data(), static_cast<std::size_t>(count));
 }
 
 void PrintHexBytes(Bytes bytes) {
@@ -177,7 +173,8 @@ void PrintSpacedHexBytes(Bytes bytes, std::string_view indent) {
 void PrintCodeSection(std::string_view title, std::size_t hyphens, Bytes code) {
   report << LineEnd;
   PrintHeading(title, hyphens, "\t");
-  report << LineEnd << "\t";
+  report << LineEnd;
+  report << "\t";
   PrintSpacedHexBytes(code, "\t");
   report << LineEnd << LineEnd;
 }

@@ -15,7 +15,8 @@ namespace trovisk {
 // Wide text as report << shows it.
 std::string ToNarrow(WideText text);
 
-// start, the sector, the description in brackets, a line end: what every report begins with.
+// start, the sector, the description in brackets, a line end: what every report begins with. Of the
+// description the first 256 characters.
 void PrintSectorHeader(WideText description, u64 sector, std::string_view start = "Reading sector # ");
 
 // A row of the table of contents: the sector in a column of ten characters, a tab, the description.

@@ -5,6 +5,11 @@
 #include <algorithm>
 #include <random>
 
+#include "frame/decoders.h"
+#include "frame/report/report.h"
+#include "tests/disks/gpt.h"
+#include "tests/disks/ldm.h"
+#include "tests/disks/refs.h"
 #include "tests/disks/samples.h"
 #include "tests/fuzz/seeds.h"
 #include "tests/support/expected.h"
@@ -59,6 +64,47 @@ void ExpectAsAlone(const Case& each) {
   EXPECT_EQ(outcome.err, each.alone.err);
   EXPECT_EQ(outcome.status, each.alone.status);
   EXPECT_EQ(outcome.calls.order, each.alone.calls.order);
+}
+
+// Decoders that stand alone see the values of a run's start, whatever the run before has found: they
+// register, or leave alone, what these values lead to.
+TEST(Order, DecodersWithoutTheirPredecessorsStartFromNothing) {
+  Disk disk(5000);
+  PutLdmDatabase(disk, {.privhead = 6, .configStart = 200});
+  PutReFsBootRecord(disk, 1000, {.sectorCount = 500, .sectorsPerCluster = 1});
+  PutReFsSuperblock(disk, 1030, {.references = {40}});
+  PutGptHeader(disk, 1, {});
+  MemoryDisk whole{disk};
+  whole.registered = {{1, DecodeGptHeader, L"header"},
+                      {2, DecodeGptEntries, L"entries"},
+                      {6, DecodePrivhead, L"private header"},
+                      {1000, DecodeReFsBootRecord, L"boot record"}};
+  MemoryDisk alone{disk};
+  alone.registered = {{2, DecodeGptEntries, L"entries"},
+                      {202, DecodeTocBlock, L"table"},
+                      {1030, DecodeReFsSuperblock, L"superblock"}};
+  MemoryDisk records{disk};
+  records.registered = {{218, DecodeVblk, L"records"}, {1700, DecodeKlog, L"log"}};
+  PutKlog(records.disk, 1700, {});
+  for (const MemoryDisk& memory : {alone, records}) {
+    Case each{"alone", memory, {"mem"}};
+    each.alone = RunOnMemory(memory, each.arguments);
+    EXPECT_NE(RunInProcess(whole, {"mem"}).out.find("VMDB Sector"), std::string::npos);
+    ExpectAsAlone(each);
+  }
+}
+
+// A run can be caught as a whole: where the report goes is its caller's affair.
+TEST(Order, RunIsCaughtInAString) {
+  const MemoryDisk memory{.disk = MbrSample(),
+                          .terminal = true};  // caught text is made safe as on a terminal
+  const MemoryOutcome direct = RunInProcess(memory, {"mem"});
+  std::string caught;
+  report.DirectTo(&caught);
+  const MemoryOutcome empty = RunInProcess(memory, {"mem"});
+  report.DirectTo(nullptr);
+  EXPECT_EQ(empty.out, "");
+  EXPECT_TRUE(SameText(WithoutDate(caught), direct.out));
 }
 
 TEST(Order, EverySampleDiskAfterEveryOther) {

@@ -15,6 +15,7 @@
 
 #include "tests/disks/gpt.h"
 #include "tests/support/expected.h"
+#include "tests/support/limits.h"
 #include "tests/support/strace.h"
 
 namespace trovisk::test {
@@ -104,6 +105,25 @@ void ExpectSameReports(const std::string& device, const std::string& image,
     return outcome.out;
   };
   EXPECT_TRUE(SameText(report(device), report(image)));
+}
+
+// Of a device each sector is one read, and what was printed leaves before it is asked for the next one.
+TEST(LoopDeviceCalls, RangeDumpTakesOneReadAndOneWritePerSector) {
+  RequireLosetup();
+  Disk disk(1100);
+  for (u64 sector = 1; sector < 1100; ++sector)
+    disk.At(sector).Le64(0, sector);
+  const std::string image = ScratchPath("loop_calls.img");
+  disk.Write(image);
+  const LoopDevice device(image, 512);
+  REQUIRE_OR_SKIP(device);
+  const Trace few = TraceProgram({device.Path(), "1", "10"});
+  const Trace many = TraceProgram({device.Path(), "1", "1010"});
+  EXPECT_EQ(many.Of("pread64(").size() - few.Of("pread64(").size(), 1000u);
+  EXPECT_EQ(many.Of("write(1,").size() - few.Of("write(1,").size(), 1000u);
+  if (kMemoryCounts) {  // the sanitizers' allocator has calls of its own
+    EXPECT_EQ(many.calls.size() - few.calls.size(), 2000u) << "something else is asked for each sector";
+  }
 }
 
 class LoopDeviceTest : public ::testing::TestWithParam<u32> {};

@@ -1,4 +1,4 @@
-// Some rows that the catalogue of known boot code is to have, in the shipped program and in the tests' own:
+// Some rows of the catalogue of known boot code, in the shipped program and in the tests' own alike:
 // each place where boot code begins, the shortest and the longest stretch.
 
 #ifndef TROVISK_TESTS_SUPPORT_BOOT_CODE_ROWS_H

@@ -214,6 +214,12 @@ TEST(PrintSectorHeader, SectorIsUnsigned) {
             "Reading sector # 18446744073709551615 [Raw Sector]\n");
 }
 
+TEST(PrintSectorHeader, LongDescriptionIsCut) {
+  const std::wstring description(300, L'd');
+  EXPECT_EQ(TextOf([&] { PrintSectorHeader(description, 1); }),
+            "Reading sector # 1 [" + std::string(256, 'd') + "]\n");
+}
+
 TEST(ToNarrow, AsciiAsItIs) {
   EXPECT_EQ(ToNarrow(L""), "");
   EXPECT_EQ(ToNarrow(L" Master Boot Record~\t\x7F"), " Master Boot Record~\t\x7F");

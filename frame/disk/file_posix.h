@@ -1,7 +1,7 @@
 // Files on systems with descriptors: opened for reading only, read at a position.
 
-#ifndef TROVISK_FRAME_DISK_POSIX_FILE_H
-#define TROVISK_FRAME_DISK_POSIX_FILE_H
+#ifndef TROVISK_FRAME_DISK_FILE_POSIX_H
+#define TROVISK_FRAME_DISK_FILE_POSIX_H
 
 #include <sys/types.h>
 
@@ -21,6 +21,12 @@ int OpenReadOnly(const std::string& path, int flags = 0);
 
 // pread, again where a signal interrupted it.
 ssize_t ReadAt(int descriptor, void* buffer, std::size_t count, u64 position);
+
+// Reads at most count bytes at a position. A buffered read fails as a whole page where one sector of it is
+// unreadable, so one that fails is repeated past the page cache: the good sectors beside a bad one can still
+// be shown. direct: where the second descriptor for that is kept, -1 at first; the caller closes it.
+ErrorCode ReadBytes(int descriptor, int& direct, u64 position, u8* buffer, std::size_t count,
+                    std::size_t& got);
 
 }  // namespace trovisk
 
