@@ -20,23 +20,29 @@ u32 NumberOf(ErrorCode error) {
 void Global::Reset() {
   Close();
   bytesPerSector = 0;
+  openError = 0;
   toc.Clear();
 }
 
 // Before the disk is touched the report is handed over: nothing that was printed waits for a disk that hangs.
 bool Global::Open(WideText path, const char* argument) {
   report.Flush();
-  if (const ErrorCode error = OpenDevice(device_, path, argument); error != 0) {
+  openError = OpenDevice(device_, path, argument);
+  if (openError != 0) {
     if (!device_.refusal.empty()) {
-      errors << "Global::Open: " << path << " " << device_.refusal << '\n';
+      errors << "Global::Open: " << path << " " << device_.refusal << '
+';
+      openError = 0;  // the line has said it all
       return false;
     }
-    errors << "Global::Open: couldn't open " << path << " for reading, error " << NumberOf(error) << '\n';
+    errors << "Global::Open: couldn't open " << path << " for reading, error " << NumberOf(openError) << '
+';
     return false;
   }
-  if (const ErrorCode error = QuerySectorSize(device_, bytesPerSector); error != 0) {
+  openError = QuerySectorSize(device_, bytesPerSector);
+  if (openError != 0) {
     errors << "Global::Open: couldn't get disk geometry " << path
-           << " IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error " << NumberOf(error) << '\n';
+           << " IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error " << NumberOf(openError) << '\n';
     return false;
   }
   return true;

@@ -14,13 +14,14 @@ class Global {
  public:
   u32 bytesPerSector = 0;  // logical sector size; every sector number times this is a byte offset
   SectorToc toc;
+  ErrorCode openError = 0;  // why Open failed, the last time; 0 where it did not
 
   Global() = default;
   Global(const Global&) = delete;
   Global& operator=(const Global&) = delete;
   ~Global() { Close(); }
 
-  // How a run finds it: closed, without a sector size, nothing registered.
+  // How a run finds it: closed, never opened, without a sector size, nothing registered.
   void Reset();
 
   // The five operations on the disk. Those that can fail print one error line when they do.

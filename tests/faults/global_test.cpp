@@ -70,6 +70,7 @@ TEST_F(GlobalTest, OpenThatFailsNamesThePathAndTheCode) {
   InsertDisk({Disk(), {{.call = Call::kOpen, .error = 13}}});
   EXPECT_FALSE(global_.Open(L"\\\\.\\PhysicalDrivemem", "mem"));
   EXPECT_EQ(error_.Take(), "Global::Open: couldn't open \\\\.\\PhysicalDrivemem for reading, error 13\n");
+  EXPECT_EQ(global_.openError, 13u);
   EXPECT_EQ(CallsSinceInsertion().order, "O");
 }
 
@@ -80,7 +81,21 @@ TEST_F(GlobalTest, GeometryThatFailsNamesThePathAndTheCode) {
   EXPECT_EQ(error_.Take(),
             "Global::Open: couldn't get disk geometry \\\\.\\PhysicalDrivemem "
             "IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, error 25\n");
+  EXPECT_EQ(global_.openError, 25u);
   EXPECT_EQ(CallsSinceInsertion().order, "OG");
+}
+
+TEST_F(GlobalTest, OpenThatSucceedsForgetsWhyAnotherFailed) {
+  InsertDisk({Disk(), {{.call = Call::kOpen, .error = kErrorWithoutCode}}});
+  EXPECT_FALSE(global_.Open(L"mem", "mem"));
+  EXPECT_EQ(global_.openError, kErrorWithoutCode);
+  Open({Disk()});
+  EXPECT_EQ(global_.openError, 0u);
+  InsertDisk({Disk(), {{.call = Call::kOpen, .error = 13}}});
+  EXPECT_FALSE(global_.Open(L"mem", "mem"));
+  global_.Reset();
+  EXPECT_EQ(global_.openError, 0u);
+  EXPECT_NE(error_.Take(), "");
 }
 
 TEST_F(GlobalTest, LastSectorIsTheLengthRoundedDownLessOne) {
