@@ -30,13 +30,11 @@ bool Global::Open(WideText path, const char* argument) {
   openError = OpenDevice(device_, path, argument);
   if (openError != 0) {
     if (!device_.refusal.empty()) {
-      errors << "Global::Open: " << path << " " << device_.refusal << '
-';
+      errors << "Global::Open: " << path << " " << device_.refusal << '\n';
       openError = 0;  // the line has said it all
       return false;
     }
-    errors << "Global::Open: couldn't open " << path << " for reading, error " << NumberOf(openError) << '
-';
+    errors << "Global::Open: couldn't open " << path << " for reading, error " << NumberOf(openError) << '\n';
     return false;
   }
   openError = QuerySectorSize(device_, bytesPerSector);

@@ -37,17 +37,14 @@ int Descriptor(const Device& device) {
 }
 
 bool IsPartition(const std::string& name) {
-  std::string entry = name;
-  std::replace(entry.begin(), entry.end(), '/', '!');  // as sysfs writes it
-  return access(("/sys/class/block/" + entry + "/partition").c_str(), F_OK) == 0;
+  return access((SysfsFolder(name) + "/partition").c_str(), F_OK) == 0;
 }
 
 // The path of the disk of that number; empty when there is none.
 std::string DiskOfNumber(const std::string& digits) {
   u64 number = 0;
   if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc()) return {};
-  std::ifstream partitions("/proc/partitions");
-  const std::vector<std::string> disks = NumberedDisks(partitions, IsPartition);
+  const std::vector<std::string> disks = NumberedDisksOfThisMachine();
   return number < disks.size() ? "/dev/" + disks[number] : std::string();
 }
 
@@ -83,6 +80,11 @@ ErrorCode OpenImage(Device& device, const std::string& path, u64 length) {
 }
 
 }  // namespace
+
+std::vector<std::string> NumberedDisksOfThisMachine() {
+  std::ifstream partitions("/proc/partitions");
+  return NumberedDisks(partitions, IsPartition);
+}
 
 ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* argument) {
   std::string path = argument;

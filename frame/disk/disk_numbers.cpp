@@ -1,5 +1,6 @@
 #include "frame/disk/disk_numbers.h"
 
+#include <algorithm>
 #include <istream>
 #include <sstream>
 #include <string_view>
@@ -32,6 +33,12 @@ std::vector<std::string> NumberedDisks(std::istream& partitions,
     }
   }
   return disks;
+}
+
+std::string SysfsFolder(const std::string& name) {
+  std::string entry = name;
+  std::replace(entry.begin(), entry.end(), '/', '!');
+  return "/sys/class/block/" + entry;
 }
 
 }  // namespace trovisk

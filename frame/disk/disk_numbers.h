@@ -15,6 +15,12 @@ namespace trovisk {
 std::vector<std::string> NumberedDisks(std::istream& partitions,
                                        bool (*isPartition)(const std::string& name));
 
+// Where sysfs, if it is mounted, tells of the block device of that name, which may hold a '/'.
+std::string SysfsFolder(const std::string& name);
+
+// The disks of this machine, by number. The system's file implements it.
+std::vector<std::string> NumberedDisksOfThisMachine();
+
 }  // namespace trovisk
 
 #endif

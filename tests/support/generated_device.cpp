@@ -11,6 +11,7 @@
 #include <string>
 
 #include "frame/disk/device.h"
+#include "frame/disk/disk_list.h"
 #include "frame/report/output.h"
 #include "tests/disks/fat.h"
 #include "tests/disks/gpt.h"
@@ -147,6 +148,10 @@ ErrorCode ReadDevice(Device& device, u8* buffer, u32 wanted, u32& got) {
 ErrorCode CloseDevice(Device& device) {
   device = Device{};
   return 0;
+}
+
+std::vector<ListedDisk> ListDisks() {
+  return {};
 }
 
 ErrorCode WriteOutput(Output output, const char* text, std::size_t size) {

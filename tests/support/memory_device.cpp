@@ -10,6 +10,7 @@
 #include <map>
 
 #include "frame/disk/device.h"
+#include "frame/disk/disk_list.h"
 #include "frame/global.h"
 #include "frame/report/output.h"
 #include "frame/run.h"
@@ -207,6 +208,10 @@ ErrorCode CloseDevice(Device& device) {
   return fault != nullptr ? fault->error : 0;
 }
 
+std::vector<ListedDisk> ListDisks() {
+  return test::inserted.listed;
+}
+
 ErrorCode WriteOutput(Output output, const char* text, std::size_t count) {
   const bool toReport = output == Output::kReport;
   const Fault* const fault = toReport ? Meet(Call::kWriteReport) : nullptr;
@@ -229,7 +234,7 @@ bool IsClosedPipe(ErrorCode error) {
 }
 
 bool IsTerminal(Output output) {
-  return output == Output::kReport && test::inserted.terminal;
+  return output == Output::kReport ? test::inserted.terminal : test::inserted.errorsOnTerminal;
 }
 
 void PrepareOutput() {}

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/disk/disk_list.h"
 #include "frame/error_code.h"
 #include "frame/toc.h"
 #include "tests/disks/disk.h"
@@ -42,7 +43,9 @@ struct MemoryDisk {
   Disk disk = Disk();
   std::vector<Fault> faults = {};
   std::vector<Registered> registered = {};
-  bool terminal = false;  // whether the report is shown on one
+  bool terminal = false;                // whether the report is shown on one
+  bool errorsOnTerminal = false;        // whether the error lines are
+  std::vector<ListedDisk> listed = {};  // the disks of the machine
 };
 
 // How often each kind of call was made, and all calls in order: a letter each, of "OGLSRCW" (open, geometry,
