@@ -9,6 +9,7 @@
 
 #include "frame/decoders.h"
 #include "frame/global.h"
+#include "frame/help.h"
 #include "frame/report/report.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
@@ -211,6 +212,7 @@ void StartAfresh() {
 
 int Run(int argc, char** argv) {
   StartAfresh();
+  if (AnswerOption(argc, argv)) return 0;
   report << "Trovisk version 1.4 built " << __DATE__ << LineEnd << LineEnd;
   int status = 1;
   if (argc < 2 || argc > 4) {
@@ -218,6 +220,7 @@ int Run(int argc, char** argv) {
   } else {
     const Request request{DiskPath(argv[1])};
     if (disk.Open(request.diskPath, argv[1])) status = RunOnOpenDisk(request, argc, argv);
+    if (disk.openError != 0) HintAtDisks(disk.openError);
     disk.Close();
   }
   report.Flush();

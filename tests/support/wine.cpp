@@ -45,9 +45,9 @@ std::string WindowsProgram(const std::string& name) {
   return Variable("TROVISK_WINDOWS_BUILD") + "/" + name;
 }
 
-WineDrive::WineDrive(const std::string& image) {
+WineDrive::WineDrive(const std::string& image, const std::string& number) : number_(number) {
   static std::atomic<int> drives = 0;
-  number_ = std::to_string(getpid()) + std::to_string(10000 + drives++);
+  if (number.empty()) number_ = std::to_string(getpid()) + std::to_string(10000 + drives++);
   link_ = Variable("WINEPREFIX") + "/dosdevices/physicaldrive" + number_;
   std::filesystem::create_symlink(image, link_);
 }

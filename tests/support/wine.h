@@ -22,10 +22,11 @@ std::string WineCommand();
 // A program of the Windows build.
 std::string WindowsProgram(const std::string& name);
 
-// An image file as one of Wine's physical drives, for as long as the object lives.
+// An image file as one of Wine's physical drives, for as long as the object lives; where no number is given,
+// as one that no other has.
 class WineDrive {
  public:
-  explicit WineDrive(const std::string& image);
+  explicit WineDrive(const std::string& image, const std::string& number = "");
   WineDrive(const WineDrive&) = delete;
   WineDrive& operator=(const WineDrive&) = delete;
   ~WineDrive();

@@ -85,6 +85,21 @@ TEST(WindowsText, DiskThatIsNotThere) {
   EXPECT_EQ(outcome.err, "Global::Open: couldn't open \\\\.\\PhysicalDrive4000000000 for reading, error 2\n");
 }
 
+// What the number means in the system's words, and the drives that there are. The console moves its cursor
+// instead of printing some of the blanks.
+TEST(WindowsText, HintsOnAConsole) {
+  const std::string image = ScratchPath("hints.img");
+  Disk(200).Write(image);
+  const WineDrive drive(image, "7");
+  const std::string text = OnConsole({WineCommand(), WindowsProgram("trovisk.exe"), "4000000000"});
+  const std::regex hints(
+      R"(for reading, error *2\n\nError 2: [^\n]*[^.\n ]\.\n)"
+      R"(A disk is named by its number in Disk Management: 0 is \\\\\.\\PhysicalDrive0\.\n\n)"
+      R"(The disks of this machine:\n\n  number  device +size  model\n)");
+  EXPECT_TRUE(std::regex_search(text, hints)) << text;
+  EXPECT_TRUE(std::regex_search(text, std::regex(R"(\n       7  \\\\\.\\PhysicalDrive7( |\n))"))) << text;
+}
+
 // Becomes the program under Wine.
 void Become(const std::string& disk, const char* first, const char* last) {
   setenv("TROVISK_TEST_SECTOR_SIZE", "512", 1);
