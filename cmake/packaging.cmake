@@ -10,6 +10,11 @@ if(NOT WIN32)
     FILES completion/trovisk.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME trovisk)
+  install(
+    FILES completion/trovisk.zsh
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
+    RENAME _trovisk)
+  install(FILES completion/trovisk.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 
 set(CPACK_PACKAGE_VENDOR "The Trovisk authors")

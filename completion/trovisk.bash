@@ -1,4 +1,4 @@
-# bash completion for trovisk: the disks of this machine and image files.
+# bash completion for trovisk: the disks of this machine, image files, and the two options.
 # shellcheck shell=bash
 
 _trovisk() {
@@ -7,6 +7,9 @@ _trovisk() {
   [ "$COMP_CWORD" -eq 1 ] || return 0
   local current=${COMP_WORDS[1]} entry name size file
 
+  if [[ $current == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W '--help --version' -- "$current")
+  fi
   for entry in /sys/block/*; do
     name=/dev/${entry##*/}
     name=${name//!//}

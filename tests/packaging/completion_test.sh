@@ -42,6 +42,10 @@ expect two = "two words.IMG"
 expect i = images
 expect images/ = images/usb.dd
 expect notes =             # no image: left to the default, any file
+expect -- = --help --version
+expect --v = --version
+expect -x =
+expect disk.img -- =
 expect disk.img 1 =        # sectors are not completed
 expect disk.img 1 2 =
 
