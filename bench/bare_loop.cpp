@@ -1,7 +1,7 @@
 // The bounds for reading and printing: the same reads and writes as a run of the program and no work between.
 //
-//   bare_loop dump DISK TEXT           for every sector one read, and one write of TEXT bytes
-//   bare_loop twice DISK FIRST COUNT   reads COUNT sectors from FIRST on, twice, and prints nothing
+//   bare_loop dump DISK TEXT           an image: reads of 256 KiB, TEXT bytes for every sector, writes of 64
+//   KiB bare_loop twice DISK FIRST COUNT   reads COUNT sectors from FIRST on, twice, and prints nothing
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -21,12 +21,27 @@ bool ReadSector(int disk, off_t sector) {
   return pread(disk, bytes.data(), bytes.size(), sector * kSectorSize) == kSectorSize;
 }
 
+// The text is put together as a run has to do it, a sector's at a time.
 int Dump(int disk, std::size_t textSize) {
+  constexpr std::size_t kRead = std::size_t{256} * 1024;
+  constexpr std::size_t kWrite = std::size_t{64} * 1024;
   const std::vector<char> text(textSize, '.');
-  for (off_t sector = 0; ReadSector(disk, sector); ++sector) {
-    if (write(STDOUT_FILENO, text.data(), text.size()) != static_cast<ssize_t>(text.size())) return 1;
+  std::vector<char> bytes(kRead);
+  std::vector<char> out(kWrite + textSize);
+  std::size_t used = 0;
+  for (off_t offset = 0;; offset += kRead) {
+    const ssize_t got = pread(disk, bytes.data(), bytes.size(), offset);
+    if (got <= 0) break;
+    for (ssize_t sector = 0; sector < got / kSectorSize; ++sector) {
+      std::memcpy(out.data() + used, text.data(), textSize);
+      used += textSize;
+      if (used < kWrite) continue;
+      if (write(STDOUT_FILENO, out.data(), kWrite) != static_cast<ssize_t>(kWrite)) return 1;
+      used -= kWrite;
+      std::memmove(out.data(), out.data() + kWrite, used);
+    }
   }
-  return 0;
+  return write(STDOUT_FILENO, out.data(), used) == static_cast<ssize_t>(used) ? 0 : 1;
 }
 
 int ReadTwice(int disk, off_t first, off_t count) {

@@ -21,6 +21,7 @@ void Global::Reset() {
   Close();
   bytesPerSector = 0;
   openError = 0;
+  length.reset();
   toc.Clear();
 }
 
@@ -52,6 +53,7 @@ u64 Global::GetLastSector() {
     errors << "DeviceIoControl(IOCTL_DISK_GET_LENGTH_INFO failed, error )" << NumberOf(error) << '\n';
     return ~u64{0};
   }
+  length = bytes;
   if (bytesPerSector == 0) return ~u64{0};
   return bytes / bytesPerSector - 1;
 }

@@ -3,6 +3,7 @@
 #ifndef TROVISK_FRAME_GLOBAL_H
 #define TROVISK_FRAME_GLOBAL_H
 
+#include <optional>
 #include <vector>
 
 #include "frame/disk/device.h"
@@ -12,7 +13,8 @@ namespace trovisk {
 
 class Global {
  public:
-  u32 bytesPerSector = 0;  // logical sector size; every sector number times this is a byte offset
+  u32 bytesPerSector = 0;     // logical sector size; every sector number times this is a byte offset
+  std::optional<u64> length;  // bytes, once GetLastSector has learnt it
   SectorToc toc;
   ErrorCode openError = 0;  // why Open failed, the last time; 0 where it did not
 

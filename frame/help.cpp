@@ -8,6 +8,7 @@
 
 #include "frame/disk/disk_list.h"
 #include "frame/help_words.h"
+#include "frame/report/output.h"
 #include "frame/report/report.h"
 
 namespace trovisk {
@@ -97,6 +98,15 @@ bool AnswerOption(int argc, char** argv) {
 
 void HintAtDisks(ErrorCode error) {
   if (IsTerminal(Output::kErrors)) errors << Hints(error, ListDisks());
+}
+
+void HintAtShortDisk(u64 bytes, u32 bytesPerSector) {
+  if (bytes >= bytesPerSector || !IsTerminal(Output::kErrors)) return;
+  if (bytes == 0) {
+    errors << "The disk is empty: it has no bytes at all.\n";
+  } else {
+    errors << "The disk has " << bytes << " bytes, less than the " << bytesPerSector << " of one sector.\n";
+  }
 }
 
 }  // namespace trovisk

@@ -16,6 +16,9 @@ bool AnswerOption(int argc, char** argv);
 // disk is named and which disks this machine has. Elsewhere nothing, so that scripts read what they know.
 void HintAtDisks(ErrorCode error);
 
+// There too: that a disk of so many bytes is empty, or ends in its first sector. Of a longer one nothing.
+void HintAtShortDisk(u64 bytes, u32 bytesPerSector);
+
 }  // namespace trovisk
 
 #endif

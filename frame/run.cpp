@@ -179,6 +179,7 @@ void PrintToc(u64 lastOnDisk) {
 int RunOnOpenDisk(Request request, int argc, char** argv) {
   const u64 lastOnDisk = disk.GetLastSector();
   report << "Last sector on disk is " << lastOnDisk << LineEnd;
+  if (disk.length) HintAtShortDisk(*disk.length, disk.bytesPerSector);
   if (argc > 2 && !TakeSector(argv[2], lastOnDisk, request.first)) return 1;
   if (argc > 3 && !TakeSector(argv[3], lastOnDisk, request.last)) return 1;
 

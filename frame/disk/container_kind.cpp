@@ -75,6 +75,11 @@ u64 FixedVhdLength(Bytes tail, u64 fileLength) {
   return std::min(Be64At(tail, kCurrentSize), fileLength - kContainerTail);
 }
 
+u16 EwfSegment(Bytes head) {
+  constexpr std::size_t kSegmentNumber = 9;  // u16, little-endian
+  return Le16At(head, kSegmentNumber);
+}
+
 std::string NotRead(const ContainerKind& kind) {
   return "is " + std::string(kind.name) + ", which this program does not read: " + std::string(kind.advice);
 }

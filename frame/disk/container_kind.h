@@ -29,6 +29,9 @@ const ContainerKind* ContainerKindOf(Bytes head, Bytes tail);
 // The bytes of the disk in a VHD of fixed size whose file is so long; tail: as above.
 u64 FixedVhdLength(Bytes tail, u64 fileLength);
 
+// Which segment of an EWF image begins so, from 1.
+u16 EwfSegment(Bytes head);
+
 // What is said of a container that this program does not read: words that go on behind its path.
 std::string NotRead(const ContainerKind& kind);
 

@@ -64,6 +64,10 @@ ErrorCode OpenImage(Device& device, const std::string& path, u64 length) {
                         Bytes(tail).first(static_cast<std::size_t>(std::max<ssize_t>(tailBytes, 0))));
     if (kind != nullptr && kind->format == ContainerFormat::kFixedVhd) {
       source = FileSource(descriptor, FixedVhdLength(tail, length));
+    } else if (kind != nullptr && kind->format == ContainerFormat::kEwf && EwfSegment(head) != 1) {
+      device.refusal =
+          "is segment " + std::to_string(EwfSegment(head)) + " of an E01 (EWF) image: name the first one";
+      return EINVAL;
     } else if (kind != nullptr) {
       const ErrorCode error = OpenContainerProcess(*kind, path, source, device.refusal);
       if (error != 0) return error;

@@ -1,8 +1,10 @@
 // The hints on a real terminal, with this machine's disks; tests/faults/hints_test.cpp has their whole text.
 
 #include <gtest/gtest.h>
+
 #include <pty.h>
 #include <unistd.h>
+#include <fstream>
 
 #include <cmath>
 #include <regex>
@@ -74,6 +76,21 @@ TEST(OpenHints, AreForDisksThatDoNotOpen) {
   EXPECT_EQ(RunOnTerminal({program, path}, {STDERR_FILENO}).err, "");
   EXPECT_EQ(RunOnTerminal({program, path, "10"}, {STDERR_FILENO}).err,
             "There aren't that many sectors on the disk !!\n");
+}
+
+// What an image lacks to be a disk is said on a terminal alone; the report and the status stay.
+TEST(OpenHints, TellAnEmptyImageFromAShortOne) {
+  const std::string path = ScratchPath("short.img");
+  const std::string program = ProgramPath(Build::kShipped);
+  std::ofstream(path, std::ios::binary);
+  const Outcome empty = RunOnTerminal({program, path}, {STDERR_FILENO});
+  EXPECT_TRUE(empty.err.starts_with("The disk is empty: it has no bytes at all.\n")) << empty.err;
+  EXPECT_EQ(RunOnTerminal({program, path}, {}).err.find("empty"), std::string::npos);
+  EXPECT_EQ(empty.status, RunOnTerminal({program, path}, {}).status);
+  std::ofstream(path, std::ios::binary) << std::string(511, 'x');
+  const Outcome shorter = RunOnTerminal({program, path}, {STDERR_FILENO});
+  EXPECT_TRUE(shorter.err.starts_with("The disk has 511 bytes, less than the 512 of one sector.\n"))
+      << shorter.err;
 }
 
 // Each with the number that opens it, and with the size that the system names.

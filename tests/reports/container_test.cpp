@@ -1,0 +1,351 @@
+// Containers: the report of what they hold is that of the raw image, and what is damaged ends in an error
+// line.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "tests/disks/samples.h"
+#include "tests/support/expected.h"
+#include "tests/support/strace.h"
+
+namespace trovisk::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Runs a tool that makes images; its own words are shown when it fails.
+void Make(const std::vector<std::string>& words) {
+  const Outcome outcome = RunChild([&] { Execute(words); });
+  ASSERT_EQ(outcome.status, 0) << words[0] << ": " << outcome.err << outcome.out;
+}
+
+// A folder with the raw image of a sample disk, and what is made of it.
+class Containers : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = ScratchPath("containers");
+    fs::remove_all(folder_);
+    fs::create_directory(folder_);
+    MbrSample().Write(Path("raw.img"));
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+
+  // Converts the raw image; options as qemu-img takes them.
+  void Convert(const std::string& name, const std::string& format,
+               const std::vector<std::string>& options = {}) {
+    std::vector<std::string> words = {"qemu-img", "convert", "-O", format};
+    words.insert(words.end(), options.begin(), options.end());
+    words.insert(words.end(), {Path("raw.img"), Path(name)});
+    Make(words);
+  }
+
+  Outcome Run(const std::string& name, const std::vector<std::string>& sectors = {}) const {
+    std::vector<std::string> arguments = {Path(name)};
+    arguments.insert(arguments.end(), sectors.begin(), sectors.end());
+    Outcome outcome = RunProgram(Build::kInventedCode, arguments);
+    ReplaceAll(outcome.out, Path(name), "<disk>");
+    ReplaceAll(outcome.err, Path(name), "<disk>");
+    outcome.out = WithoutDate(outcome.out);
+    return outcome;
+  }
+
+  void ExpectReportsOfTheRawImage(const std::string& name) const {
+    SCOPED_TRACE(name);
+    for (const std::vector<std::string>& sectors :
+         {std::vector<std::string>{}, {"0"}, {"0", "3000"}, {"196600", "196607"}, {"196608"}}) {
+      const Outcome container = Run(name, sectors);
+      const Outcome raw = Run("raw.img", sectors);
+      EXPECT_TRUE(SameText(container.out, raw.out));
+      EXPECT_EQ(container.err, raw.err);
+      EXPECT_EQ(container.status, raw.status);
+    }
+  }
+
+  // The run ends before anything is printed of a disk, with this one line.
+  void ExpectRefused(const std::string& name, const std::string& words) const {
+    const Outcome outcome = Run(name);
+    EXPECT_EQ(outcome.out, "Trovisk version 1.4 built <date>\n\n");
+    EXPECT_EQ(outcome.err, "Global::Open: \\\\.\\PhysicalDrive<disk> " + words + "\n");
+    EXPECT_EQ(outcome.status, 1);
+  }
+
+  void Write(const std::string& name, const std::string& bytes) const {
+    std::ofstream(Path(name), std::ios::binary) << bytes;
+  }
+
+  std::string folder_;
+};
+
+TEST_F(Containers, GiveTheReportsOfTheRawImage) {
+  Convert("sparse.qcow2", "qcow2");
+  Convert("compressed.qcow2", "qcow2", {"-c"});
+  Convert("dynamic.vhd", "vpc", {"-o", "force_size"});
+  Convert("fixed.vhd", "vpc", {"-o", "subformat=fixed,force_size"});
+  Convert("dynamic.vhdx", "vhdx");
+  Convert("fixed.vhdx", "vhdx", {"-o", "subformat=fixed"});
+  Convert("sparse.vmdk", "vmdk");
+  Convert("stream.vmdk", "vmdk", {"-o", "subformat=streamOptimized"});
+  Convert("flat.vmdk", "vmdk", {"-o", "subformat=monolithicFlat"});
+  Convert("pieces.vmdk", "vmdk", {"-o", "subformat=twoGbMaxExtentSparse"});
+  for (const char* name : {"sparse.qcow2", "compressed.qcow2", "dynamic.vhd", "fixed.vhd", "dynamic.vhdx",
+                           "fixed.vhdx", "sparse.vmdk", "stream.vmdk", "flat.vmdk", "pieces.vmdk"}) {
+    ExpectReportsOfTheRawImage(name);
+  }
+}
+
+TEST_F(Containers, SnapshotsInAnImageAreNotItsContent) {
+  Convert("snapshot.qcow2", "qcow2");
+  Make({"qemu-img", "snapshot", "-c", "before", Path("snapshot.qcow2")});
+  ExpectReportsOfTheRawImage("snapshot.qcow2");
+}
+
+TEST_F(Containers, EwfSegmentsAreFoundByTheirNames) {
+  Make({"ewfacquire", "-q", "-u", "-f", "encase6", "-c", "none", "-S", "33554432", "-t", Path("evidence"),
+        Path("raw.img")});
+  ASSERT_TRUE(fs::exists(Path("evidence.E02")));
+  ExpectReportsOfTheRawImage("evidence.E01");
+  Make({"ewfacquire", "-q", "-u", "-f", "ewf", "-c", "best", "-t", Path("compressed"), Path("raw.img")});
+  ExpectReportsOfTheRawImage(fs::exists(Path("compressed.e01")) ? "compressed.e01" : "compressed.E01");
+  // One that has lost its ending is taken to be all there is.
+  fs::rename(Path(fs::exists(Path("compressed.e01")) ? "compressed.e01" : "compressed.E01"),
+             Path("renamed.image"));
+  ExpectReportsOfTheRawImage("renamed.image");
+}
+
+TEST_F(Containers, EwfSegmentThatIsNotTheFirstIsRefused) {
+  Make({"ewfacquire", "-q", "-u", "-f", "encase6", "-c", "none", "-S", "33554432", "-t", Path("evidence"),
+        Path("raw.img")});
+  ExpectRefused("evidence.E02", "is segment 2 of an E01 (EWF) image: name the first one");
+}
+
+TEST_F(Containers, EwfWithoutOneOfItsSegmentsIsRefused) {
+  Make({"ewfacquire", "-q", "-u", "-f", "encase6", "-c", "none", "-S", "33554432", "-t", Path("evidence"),
+        Path("raw.img")});
+  ASSERT_TRUE(fs::exists(Path("evidence.E03")));
+  fs::remove(Path("evidence.E02"));
+  ExpectRefused(
+      "evidence.E01",
+      "is an E01 (EWF) image that has no end: a segment behind evidence.E01 is missing, or that one is cut");
+}
+
+// Where a checksum is wrong, the bytes are not shown; beside that they are.
+TEST_F(Containers, EwfChunkWithAWrongChecksumIsUnreadable) {
+  Make({"ewfacquire", "-q", "-u", "-f", "encase6", "-c", "none", "-t", Path("evidence"), Path("raw.img")});
+  std::string bytes = ReadFile(Path("evidence.E01"));
+  const std::size_t place = bytes.find("SAMPLE F16");
+  ASSERT_NE(place, std::string::npos);
+  bytes[place] = static_cast<char>(bytes[place] ^ 0x20);
+  Write("evidence.E01", bytes);
+  const Outcome outcome = Run("evidence.E01");
+  EXPECT_NE(outcome.err.find("Global::Read failed, error 5\nError reading sector\n"), std::string::npos);
+  EXPECT_EQ(outcome.out.find("sAMPLE F16"), std::string::npos);
+  EXPECT_NE(outcome.out.find("Reading sector # 0 [as a raw sector]\n\n"), std::string::npos);
+}
+
+TEST_F(Containers, RawImageInPieces) {
+  Make({"split", "-b", "30M", "-d", "-a", "3", Path("raw.img"), Path("zero.")});
+  Make({"split", "-b", "30M", "--numeric-suffixes=1", "-a", "3", Path("raw.img"), Path("one.")});
+  Make({"split", "-b", "30M", Path("raw.img"), Path("letters.")});
+  for (const char* name : {"zero.000", "one.001", "letters.aa"})
+    ExpectReportsOfTheRawImage(name);
+}
+
+TEST_F(Containers, TenThousandPieces) {
+  Disk disk(10000);
+  for (u64 sector = 0; sector < 10000; ++sector)
+    disk.At(sector).Le64(0, sector + 1);
+  disk.Write(Path("raw.img"));
+  std::ifstream raw(Path("raw.img"), std::ios::binary);
+  std::array<char, 512> bytes{};
+  for (int piece = 1; raw.read(bytes.data(), bytes.size()); ++piece) {
+    std::string number = std::to_string(piece);
+    number.insert(0, number.size() < 3 ? 3 - number.size() : 0, '0');
+    Write("disk." + number, std::string(bytes.data(), bytes.size()));
+  }
+  const Outcome pieces = Run("disk.001", {"0", "9999"});
+  const Outcome whole = Run("raw.img", {"0", "9999"});
+  EXPECT_TRUE(SameText(pieces.out, whole.out));
+  EXPECT_EQ(pieces.err, "");
+}
+
+TEST_F(Containers, PiecesThatCannotBeOne) {
+  Write("fifo.001", std::string(512, 'a'));
+  ASSERT_EQ(mkfifo(Path("fifo.002").c_str(), 0600), 0);
+  ExpectRefused("fifo.001", "is an image in pieces, of which " + Path("fifo.002") + " is no regular file");
+  Write("folder.001", std::string(512, 'a'));
+  fs::create_directory(Path("folder.002"));
+  ExpectRefused("folder.001",
+                "is an image in pieces, of which " + Path("folder.002") + " is no regular file");
+  Write("gap.001", std::string(512, 'a'));
+  Write("gap.003", std::string(512, 'a'));
+  ExpectRefused("gap.001", "is an image in pieces, of which " + Path("gap.002") + " is missing");
+}
+
+TEST_F(Containers, PieceAloneIsAnImageOfItsOwn) {
+  fs::copy_file(Path("raw.img"), Path("alone.001"));
+  ExpectReportsOfTheRawImage("alone.001");
+}
+
+// PATH@N: the container's own bytes.
+TEST_F(Containers, NameWithASectorSizeOpensTheFileItself) {
+  Convert("disk.qcow2", "qcow2");
+  const Outcome outcome = RunProgram(Build::kInventedCode, {Path("disk.qcow2") + "@512", "0"});
+  EXPECT_NE(outcome.out.find("0x000  51 46 49 FB "), std::string::npos);
+  EXPECT_EQ(outcome.status, 0);
+}
+
+// What is inside a container's disk is not opened once more.
+TEST_F(Containers, ContainerInAContainerIsOpenedOnce) {
+  Convert("inner.qcow2", "qcow2");
+  Make({"qemu-img", "convert", "-f", "raw", "-O", "vhdx", Path("inner.qcow2"), Path("outer.vhdx")});
+  const Outcome outcome = Run("outer.vhdx", {"0"});
+  EXPECT_NE(outcome.out.find("0x000  51 46 49 FB "), std::string::npos);
+}
+
+TEST_F(Containers, ImageWithAParentIsOpenedWithIt) {
+  Convert("base.qcow2", "qcow2");
+  Make({"qemu-img", "create", "-q", "-f", "qcow2", "-b", "base.qcow2", "-F", "qcow2", Path("child.qcow2")});
+  ExpectReportsOfTheRawImage("child.qcow2");
+  fs::remove(Path("base.qcow2"));
+  ExpectRefused("child.qcow2", "is a QCOW image that rests on the image base.qcow2, which is missing");
+}
+
+TEST_F(Containers, ParentOfAnotherKindIsRefused) {
+  Make({"qemu-img", "create", "-q", "-f", "qcow2", "-b", Path("raw.img"), "-F", "raw", Path("child.qcow2")});
+  ExpectRefused("child.qcow2", "is a QCOW image that rests on the image " + Path("raw.img") +
+                                   ", which is damaged or of another kind");
+}
+
+TEST_F(Containers, ParentThatIsTheFileItselfIsRefused) {
+  Convert("self.qcow2", "qcow2");
+  Make({"qemu-img", "rebase", "-u", "-f", "qcow2", "-b", "self.qcow2", "-F", "qcow2", Path("self.qcow2")});
+  ExpectRefused("self.qcow2", "is a QCOW image that rests on the image self.qcow2, which rests on itself");
+}
+
+TEST_F(Containers, KindsThatAreKnownAndNotReadAreNamed) {
+  Convert("disk.vdi", "vdi");
+  ExpectRefused(
+      "disk.vdi",
+      "is a VDI image, which this program does not read: convert it with \"qemu-img convert -O raw\"");
+  Write("disk.xz", std::string("\xFD\x37zXZ\0more", 10));
+  ExpectRefused("disk.xz", "is an xz file, which this program does not read: unpack it first");
+  Write("disk.zip", "PK\x03\x04 and more");
+  ExpectRefused("disk.zip", "is a zip file, which this program does not read: unpack it first");
+  Write("disk.Ex01", std::string("EVF2\x0D\x0A\x81\0more", 12));
+  ExpectRefused("disk.Ex01",
+                "is an Ex01 (EWF2) image, which this program does not read: write it as a raw image with "
+                "\"ewfexport\"");
+  Write("disk.aff", std::string("AFF10\x0D\x0A\0more", 12));
+  ExpectRefused("disk.aff",
+                "is an AFF image, which this program does not read: write it as a raw image with "
+                "\"affconvert -r\"");
+}
+
+// A VHDX that claims 2^63 bytes: what it says is in its metadata, at 2 MiB by the format's own rule for
+// QEMU's files.
+TEST_F(Containers, SizeOf2To63BytesIsRefused) {
+  Convert("huge.vhdx", "vhdx");
+  std::fstream file(Path("huge.vhdx"), std::ios::binary | std::ios::in | std::ios::out);
+  std::string bytes(8 << 20, '\0');
+  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  file.clear();
+  const u64 size = fs::file_size(Path("raw.img"));
+  std::string stored(8, '\0');
+  for (std::size_t i = 0; i < 8; ++i)
+    stored[i] = static_cast<char>(size >> 8 * i);
+  std::size_t found = 0;
+  for (std::size_t at = bytes.find(stored); at != std::string::npos; at = bytes.find(stored, at + 1)) {
+    file.seekp(static_cast<std::streamoff>(at));
+    file.write("\0\0\0\0\0\0\0\x80", 8);
+    ++found;
+  }
+  file.close();
+  ASSERT_EQ(found, 1u);
+  const Outcome outcome = Run("huge.vhdx");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "Global::Open: couldn't open \\\\.\\PhysicalDrive<disk> for reading, error 5\n");
+}
+
+// Without its library a container is not taken for a disk.
+TEST_F(Containers, MissingLibraryIsNamed) {
+  Convert("disk.qcow2", "qcow2");
+  const Outcome outcome = RunChild([&] {
+    Execute({"unshare", "--mount", "sh", "-c",
+             "for f in /usr/lib/*/libqcow.so.1*; do mount --bind /dev/null $f; done; exec " +
+                 NativeProgramPath(Build::kShipped) + " " + Path("disk.qcow2")});
+  });
+  if (outcome.err.starts_with("unshare:")) GTEST_SKIP() << outcome.err;
+  EXPECT_EQ(outcome.err,
+            "Global::Open: \\\\.\\PhysicalDrive" + Path("disk.qcow2") +
+                " is a QCOW image, and libqcow.so.1, which reads it, is missing: install the package "
+                "libqcow1, or convert it with \"qemu-img convert -O raw\"\n");
+  EXPECT_EQ(outcome.status, 1);
+}
+
+// Cut at many places, and with many of its bytes changed: no crash, no end that is not the program's own.
+TEST_F(Containers, DamagedOnesEndInMessages) {
+  Disk small(2048);
+  small.At(0).Text(0, "start");
+  small.At(2047).Text(0, "end");
+  small.Write(Path("raw.img"));
+  Convert("a.qcow2", "qcow2", {"-c"});
+  Convert("a.vhd", "vpc");
+  Convert("a.vhdx", "vhdx");
+  Convert("a.vmdk", "vmdk");
+  Make({"ewfacquire", "-q", "-u", "-f", "encase6", "-c", "fast", "-t", Path("a"), Path("raw.img")});
+  std::mt19937 random(2026);
+  for (const std::string name : {"a.qcow2", "a.vhd", "a.vhdx", "a.vmdk", "a.E01"}) {
+    const std::string whole = ReadFile(Path(name));
+    const std::size_t head = std::min<std::size_t>(whole.size(), 65536);  // where the metadata is
+    for (int i = 0; i < 60; ++i) {
+      std::string bytes = whole;
+      if (i % 3 == 0) bytes.resize(random() % bytes.size());
+      for (int flips = static_cast<int>(random() % 6); flips >= 0 && !bytes.empty(); --flips) {
+        const std::size_t room = std::min(bytes.size(), random() % 4 == 0 ? bytes.size() : head);
+        bytes[random() % room] ^= static_cast<char>(1 << random() % 8);
+      }
+      Write("damaged" + name.substr(1), bytes);
+      const Outcome outcome = Run("damaged" + name.substr(1), {"0", "100"});
+      ASSERT_TRUE(outcome.status == 0 || outcome.status == 1) << name << " " << i << ": " << outcome.status;
+      if (outcome.status == 1) {
+        EXPECT_TRUE(outcome.err.starts_with("Global::Open: ") || outcome.err.starts_with("There aren't"))
+            << outcome.err;
+      }
+    }
+  }
+}
+
+// Whatever a container is made of is only ever opened for reading.
+TEST_F(Containers, AreOnlyEverOpenedForReading) {
+  Convert("a.qcow2", "qcow2");
+  Convert("a.vhd", "vpc");
+  Convert("a.vhdx", "vhdx");
+  Convert("a.vmdk", "vmdk");
+  Make({"ewfacquire", "-q", "-u", "-t", Path("a"), Path("raw.img")});
+  Make({"split", "-b", "30M", Path("raw.img"), Path("a.")});
+  for (const char* name : {"a.qcow2", "a.vhd", "a.vhdx", "a.vmdk", "a.E01", "a.aa"}) {
+    SCOPED_TRACE(name);
+    const Trace trace = TraceProgram({Path(name)});
+    EXPECT_EQ(trace.outcome.status, 0);
+    std::size_t opens = 0;
+    for (const std::string& call : trace.calls) {
+      if (call.find("open") == std::string::npos || call.find(folder_) == std::string::npos) continue;
+      ++opens;
+      EXPECT_NE(call.find("O_RDONLY"), std::string::npos) << call;
+      for (const char* flag : {"O_WRONLY", "O_RDWR", "O_CREAT", "O_TRUNC"})
+        EXPECT_EQ(call.find(flag), std::string::npos) << call;
+    }
+    EXPECT_GE(opens, 2u);
+  }
+}
+
+}  // namespace
+}  // namespace trovisk::test
