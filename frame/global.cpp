@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "frame/interruption.h"
 #include "frame/report/report.h"
 
 namespace trovisk {
@@ -22,7 +23,15 @@ void Global::Reset() {
   bytesPerSector = 0;
   openError = 0;
   length.reset();
+  bytesRead = 0;
+  failedReads = 0;
   toc.Clear();
+}
+
+// A read that fails may have taken its time.
+void Global::NoteFailedRead() {
+  ++failedReads;
+  attention = true;
 }
 
 // Before the disk is touched the report is handed over: nothing that was printed waits for a disk that hangs.
@@ -30,6 +39,7 @@ bool Global::Open(WideText path, const char* argument) {
   report.Flush();
   openError = OpenDevice(device_, path, argument);
   if (openError != 0) {
+    EndIfInterrupted();
     if (!device_.refusal.empty()) {
       errors << "Global::Open: " << path << " " << device_.refusal << '\n';
       openError = 0;  // the line has said it all
@@ -77,10 +87,14 @@ bool Global::ReadExactly(u8* buffer, u64 count) {
   const u32 wanted = static_cast<u32>(count);
   if (!IsReadAhead(device_, wanted)) report.Flush();
   if (const ErrorCode error = ReadDevice(device_, buffer, wanted, got); error != 0) {
+    EndIfInterrupted();  // which may have cut the read short
+    NoteFailedRead();
     errors << "Global::Read failed, error " << NumberOf(error) << '\n';
     return false;
   }
+  bytesRead += got;
   if (got != wanted) {
+    NoteFailedRead();
     errors << "Global::Read short read, needed " << count << ", got " << got << '\n';
     return false;
   }

@@ -17,6 +17,8 @@ class Global {
   std::optional<u64> length;  // bytes, once GetLastSector has learnt it
   SectorToc toc;
   ErrorCode openError = 0;  // why Open failed, the last time; 0 where it did not
+  u64 bytesRead = 0;        // of this run
+  u64 failedReads = 0;
 
   Global() = default;
   Global(const Global&) = delete;
@@ -46,6 +48,7 @@ class Global {
 
  private:
   bool ReadExactly(u8* buffer, u64 count);
+  void NoteFailedRead();
 
   Device device_;
   std::vector<u8> sector_;  // of reads below the sector size

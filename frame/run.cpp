@@ -10,6 +10,7 @@
 #include "frame/decoders.h"
 #include "frame/global.h"
 #include "frame/help.h"
+#include "frame/progress.h"
 #include "frame/report/report.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
@@ -90,9 +91,11 @@ u64 Visit(const TocEntry& entry, u64 sector, bool print) {
 // Walks the registered sectors in ascending order, those included that the decoders register ahead.
 bool LoadToc(u64 walkLimit) {
   report << "Loading TOC ..." << LineEnd;
+  BeginPass("loading", 0, walkLimit);
   for (u64 position = 0; position <= walkLimit && !IsNegative(position);) {
     const auto next = disk.toc.FirstAtOrAfter(position);
     if (!next) break;
+    BetweenSectors(next->first);
     if (!SeekForPass(next->first, position)) return false;
     position = Visit(next->entry, next->first, false);
   }
@@ -120,6 +123,8 @@ constexpr WideText kRawSector = L"Raw Sector";
 
 // Moves from one registered or requested sector to the next: between them nothing happens.
 bool PrintSectors(const Request& request, u64 walkLimit) {
+  const u64 first = request.WholeDisk() ? 0 : static_cast<u64>(request.first);
+  BeginPass("", first, request.SingleSector() ? first : walkLimit);
   u64 position = 0;
   auto registered = disk.toc.FirstAtOrAfter(position);
   while (position <= walkLimit && !IsNegative(position)) {
@@ -130,6 +135,7 @@ bool PrintSectors(const Request& request, u64 walkLimit) {
       position = next;
       continue;
     }
+    BetweenSectors(position);
     if (!SeekForPass(position, position)) return false;
     if (registered && registered->first == position) {
       position = Visit(registered->entry, position, IsRequested(request, position));
@@ -158,12 +164,14 @@ void PrintToc(u64 lastOnDisk) {
   report << "   -------\t--------" << LineEnd;
   // A damaged entry may register more sectors than the disk has. Those beyond its end (all of them, when its
   // length is unknown) are listed as well, but not without limit: from then on a run shows its ends alone.
+  BeginPass("listing", 0, kEndPass);
   const u64 sectorsOnDisk = lastOnDisk + 1;
   u64 rowsBeyondDisk = 0;
   u64 position = 0;
   while (const auto run = disk.toc.FirstAtOrAfter(position)) {
     const std::string description = ToNarrow(run->entry.description);
     for (position = run->first;; ++position) {
+      BetweenSectors(position);
       if (position >= sectorsOnDisk && ++rowsBeyondDisk > kRowsBeyondDisk && position != run->first &&
           position != run->last) {
         report << "       ..." << LineEnd;
@@ -201,6 +209,7 @@ int RunOnOpenDisk(Request request, int argc, char** argv) {
 
 // Puts back everything that an earlier run in this process has left behind.
 void StartAfresh() {
+  StartProgress();
   report.Start();
   errors.Start();
   disk.Reset();
@@ -225,6 +234,7 @@ int Run(int argc, char** argv) {
     disk.Close();
   }
   report.Flush();
+  EndProgress();
   return status;
 }
 

@@ -19,6 +19,7 @@
 
 #include "frame/disk/container_library_posix.h"
 #include "frame/disk/file_posix.h"
+#include "frame/interruption.h"
 
 namespace trovisk {
 namespace {
@@ -41,7 +42,7 @@ bool Send(int socket, const void* data, std::size_t size) {
   const auto* at = static_cast<const u8*>(data);
   while (size > 0) {
     const ssize_t sent = send(socket, at, size, MSG_NOSIGNAL);
-    if (sent < 0 && errno == EINTR) continue;
+    if (sent < 0 && errno == EINTR && !IsInterrupted()) continue;
     if (sent <= 0) return false;
     at += sent;
     size -= static_cast<std::size_t>(sent);
@@ -53,7 +54,7 @@ bool Receive(int socket, void* data, std::size_t size) {
   auto* at = static_cast<u8*>(data);
   while (size > 0) {
     const ssize_t received = recv(socket, at, size, 0);
-    if (received < 0 && errno == EINTR) continue;
+    if (received < 0 && errno == EINTR && !IsInterrupted()) continue;
     if (received <= 0) return false;
     at += received;
     size -= static_cast<std::size_t>(received);

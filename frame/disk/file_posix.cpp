@@ -8,6 +8,8 @@
 #include <cstring>
 #include <memory>
 
+#include "frame/interruption.h"
+
 namespace trovisk {
 namespace {
 
@@ -45,7 +47,7 @@ ssize_t ReadAt(int descriptor, void* buffer, std::size_t count, u64 position) {
   ssize_t got = 0;
   do {
     got = pread(descriptor, buffer, count, static_cast<off_t>(position));
-  } while (got < 0 && errno == EINTR);
+  } while (got < 0 && errno == EINTR && !IsInterrupted());
   return got;
 }
 

@@ -19,7 +19,7 @@ ErrorCode LastError();
 // it fails. flags: further ones of open.
 int OpenReadOnly(const std::string& path, int flags = 0);
 
-// pread, again where a signal interrupted it.
+// pread, again where a signal interrupted it that does not end the run.
 ssize_t ReadAt(int descriptor, void* buffer, std::size_t count, u64 position);
 
 // Reads at most count bytes at a position. A buffered read fails as a whole page where one sector of it is

@@ -5,6 +5,7 @@
 #define TROVISK_FRAME_REPORT_OUTPUT_H
 
 #include <cstddef>
+#include <string_view>
 
 #include "frame/error_code.h"
 #include "frame/report/settings.h"
@@ -20,8 +21,18 @@ bool IsClosedPipe(ErrorCode error);
 // Whether the text is shown as it comes, line by line.
 bool IsTerminal(Output output);
 
-// Prepares the process once, before anything is written: character set of the terminal, broken pipes.
+// For standard error where it is a terminal: how many characters a line has there, and the text in place of
+// the line that the cursor stands in, from its start. text: printable ASCII, shorter than the line.
+std::size_t ErrorLineWidth();
+void RewriteErrorLine(std::string_view text);
+
+// Prepares the process once, before anything is written: character set of the terminal, broken pipes, and the
+// signals that frame/interruption.h notes, unless the process was started with them ignored. A second
+// interruption ends the process on the spot.
 void PrepareOutput();
+
+// Ends the process as the interruption would have ended it, had nobody noted it.
+[[noreturn]] void EndByInterruption(int signal);
 
 }  // namespace trovisk
 

@@ -8,7 +8,9 @@
 
 #include <climits>
 #include <cstdlib>
+#include <string>
 
+#include "frame/interruption.h"
 #include "frame/report/output.h"
 
 namespace trovisk {
@@ -19,6 +21,15 @@ int Descriptor(Output output) {
 }
 
 UINT consoleCodePage = 0;
+
+// Ctrl-C and Ctrl-Break, on a thread of the system's. The second one ends the process, as everything else
+// does that is not taken.
+BOOL WINAPI NoteInterruption(DWORD event) {
+  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) return FALSE;
+  const bool first = interruption.exchange(1) == 0;
+  attention = true;
+  return first ? TRUE : FALSE;
+}
 
 }  // namespace
 
@@ -44,13 +55,36 @@ bool IsTerminal(Output output) {
   return GetConsoleMode(GetStdHandle(standard), &mode) != 0;
 }
 
+std::size_t ErrorLineWidth() {
+  constexpr std::size_t kUsual = 80;
+  CONSOLE_SCREEN_BUFFER_INFO console{};
+  const bool known = GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &console) != 0;
+  return known && console.dwSize.X > 0 ? static_cast<std::size_t>(console.dwSize.X) : kUsual;
+}
+
+// Not every console knows escape sequences: blanks erase what is left of the text before.
+void RewriteErrorLine(std::string_view text) {
+  static std::size_t before = 0;
+  std::string line = "\r";
+  line += text;
+  if (text.size() < before) line.append(before - text.size(), ' ');
+  if (text.empty()) line += '\r';
+  before = text.size();
+  WriteOutput(Output::kErrors, line.data(), line.size());
+}
+
 // Names from the disk are written as UTF-8; the console is told so for the length of the run. It starts a new
 // line at LF by itself, and the C runtime's text mode could take the bytes of a character for characters.
 void PrepareOutput() {
+  SetConsoleCtrlHandler(NoteInterruption, TRUE);
   if (!IsTerminal(Output::kReport)) return;
   _setmode(Descriptor(Output::kReport), _O_BINARY);
   consoleCodePage = GetConsoleOutputCP();
   if (SetConsoleOutputCP(CP_UTF8)) std::atexit([] { SetConsoleOutputCP(consoleCodePage); });
+}
+
+void EndByInterruption(int /*signal*/) {
+  std::exit(static_cast<int>(STATUS_CONTROL_C_EXIT));  // which puts the console's character set back
 }
 
 }  // namespace trovisk

@@ -4,8 +4,10 @@
 #include <array>
 #include <cstdlib>
 
+#include "frame/interruption.h"
 #include "frame/report/output.h"
 #include "frame/report/put.h"
+#include "frame/report/status_line.h"
 
 namespace trovisk {
 
@@ -17,6 +19,7 @@ void Report::Start() {
   Flush();
   settings_ = {};
   failed_ = false;
+  handedOver_ = 0;
   terminal_ = prepared && ahead_ == nullptr && IsTerminal(output_);  // what keeps nothing back need not know
 }
 
@@ -24,6 +27,7 @@ void Report::Start() {
 void Report::Empty() {
   const std::string_view printed(bytes_.data(), used_);
   used_ = 0;
+  handedOver_ += printed.size();
   if (text_ != nullptr) {
     text_->append(printed);
     return;
@@ -32,13 +36,19 @@ void Report::Empty() {
   const ErrorCode error = WriteOutput(output_, printed.data(), printed.size());
   failed_ = error != 0;
   if (error == 0 || ahead_ != nullptr) return;
-  if (IsClosedPipe(error)) std::exit(0);
+  if (IsClosedPipe(error)) {
+    EraseStatusLine();
+    std::exit(0);
+  }
   errors << "Error writing the report, error " << error << '\n';
   std::exit(1);
 }
 
 void Report::AppendPiecewise(std::string_view text) {
-  if (ahead_ != nullptr) ahead_->Flush();
+  if (ahead_ != nullptr) {
+    ahead_->Flush();
+    EraseStatusLine();
+  }
   while (!text.empty()) {
     if (used_ == kBytes) Empty();
     const std::string_view piece = text.substr(0, kBytes - used_);
@@ -70,6 +80,13 @@ Report& Report::operator<<(LineEndMark /*mark*/) {
 void Report::DirectTo(std::string* text) {
   Flush();
   text_ = text;
+}
+
+void EndIfInterrupted() {
+  if (!IsInterrupted()) return;
+  report.Flush();
+  EraseStatusLine();
+  EndByInterruption(interruption);
 }
 
 }  // namespace trovisk

@@ -89,6 +89,9 @@ class Report {
   bool MustBeSafe() const { return terminal_ || IsCaught(); }
   bool IsCaught() const { return text_ != nullptr; }  // in a string
 
+  // The bytes printed so far.
+  u64 Size() const { return handedOver_ + used_; }
+
  private:
   friend class InPlace;
 
@@ -113,6 +116,7 @@ class Report {
   bool terminal_ = false;
   bool failed_ = false;  // the system has refused some of it
   std::string* text_ = nullptr;
+  u64 handedOver_ = 0;
   std::size_t used_ = 0;
   std::array<char, kBytes> bytes_{};
 };
@@ -122,6 +126,9 @@ extern Report report;
 
 // Standard error, decimal always: lines that the caller prints whole and ends in '\n'.
 extern Report errors;
+
+// Where the run was interrupted, hands over what was printed and ends the process by that interruption.
+void EndIfInterrupted();
 
 }  // namespace trovisk
 

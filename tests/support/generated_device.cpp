@@ -177,6 +177,16 @@ bool IsTerminal(Output /*output*/) {
   return false;
 }
 
+std::size_t ErrorLineWidth() {
+  return 80;
+}
+
+void RewriteErrorLine(std::string_view /*text*/) {}
+
 void PrepareOutput() {}
+
+void EndByInterruption(int /*signal*/) {
+  std::abort();  // no signal is noted here
+}
 
 }  // namespace trovisk

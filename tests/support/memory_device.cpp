@@ -237,6 +237,16 @@ bool IsTerminal(Output output) {
   return output == Output::kReport ? test::inserted.terminal : test::inserted.errorsOnTerminal;
 }
 
+std::size_t ErrorLineWidth() {
+  return 80;
+}
+
+void RewriteErrorLine(std::string_view /*text*/) {}
+
 void PrepareOutput() {}
+
+void EndByInterruption(int /*signal*/) {
+  std::abort();  // no signal is noted here
+}
 
 }  // namespace trovisk
