@@ -30,6 +30,19 @@ const std::string& Image() {
   return image;
 }
 
+// Sectors too large to be read ahead: each is a read of its own.
+const std::string& LargeSectors() {
+  static const std::string image = [] {
+    constexpr u32 kSectorSize = 262144;
+    Disk disk(20, kSectorSize);
+    PutBootRecord(disk, 0, {});
+    const std::string path = ScratchPath("large_sectors.img");
+    disk.Write(path);
+    return path + "@" + std::to_string(kSectorSize);
+  }();
+  return image;
+}
+
 const std::string& WholeReport() {
   static const std::string report = RunProgram(Build::kShipped, {Image(), "0", "1999"}).out;
   return report;
@@ -42,7 +55,7 @@ std::string Through(const std::string& report, u64 sector) {
 
 // What the tracer injects at the read of sector 5, of a run over the sectors 5 to 7.
 std::string AtSector5(const std::string& what) {
-  const std::size_t reads = TraceProgram({Image(), "5", "7"}).Of("pread64(").size();
+  const std::size_t reads = TraceProgram({LargeSectors(), "5", "7"}).Of("pread64(").size();
   return "pread64:" + what + ":when=" + std::to_string(reads - 2);
 }
 
@@ -53,9 +66,9 @@ struct Interruption {
 constexpr Interruption kInterruptions[] = {{"INT", SIGINT}, {"TERM", SIGTERM}};
 
 TEST(Interruption, EndsTheRunBehindTheSector) {
-  const std::string whole = TraceProgram({Image(), "5", "7"}).outcome.out;
+  const std::string whole = TraceProgram({LargeSectors(), "5", "7"}).outcome.out;
   for (const auto& [name, signal] : kInterruptions) {
-    const Trace trace = TraceProgram({Image(), "5", "7"}, AtSector5(std::string("signal=") + name));
+    const Trace trace = TraceProgram({LargeSectors(), "5", "7"}, AtSector5(std::string("signal=") + name));
     EXPECT_TRUE(SameText(trace.outcome.out, Through(whole, 5)));
     EXPECT_EQ(trace.outcome.err, "");
     EXPECT_EQ(trace.outcome.status, 256 + signal);
@@ -64,12 +77,12 @@ TEST(Interruption, EndsTheRunBehindTheSector) {
 
 // A read that hangs is not waited for, and no failure of the disk's.
 TEST(Interruption, EndsTheReadThatItCutsShort) {
-  const std::string whole = TraceProgram({Image(), "5", "7"}).outcome.out;
+  const std::string whole = TraceProgram({LargeSectors(), "5", "7"}).outcome.out;
   const std::string header = "Reading sector # 5 [Raw Sector]\n";
   const std::string before = whole.substr(0, whole.find(header)) + header;
   for (const auto& [name, signal] : kInterruptions) {
     const Trace trace =
-        TraceProgram({Image(), "5", "7"}, AtSector5(std::string("error=EINTR:signal=") + name));
+        TraceProgram({LargeSectors(), "5", "7"}, AtSector5(std::string("error=EINTR:signal=") + name));
     EXPECT_TRUE(SameText(trace.outcome.out, before));
     EXPECT_EQ(trace.outcome.err, "");
     EXPECT_EQ(trace.outcome.status, 256 + signal);
@@ -77,8 +90,8 @@ TEST(Interruption, EndsTheReadThatItCutsShort) {
 }
 
 TEST(Interruption, InTheLastSectorCountsToo) {
-  const std::string whole = TraceProgram({Image(), "5", "5"}).outcome.out;
-  const Trace trace = TraceProgram({Image(), "5", "5"}, AtSector5("signal=INT"));
+  const std::string whole = TraceProgram({LargeSectors(), "5", "5"}).outcome.out;
+  const Trace trace = TraceProgram({LargeSectors(), "5", "5"}, AtSector5("signal=INT"));
   EXPECT_EQ(trace.outcome.out, whole);
   EXPECT_EQ(trace.outcome.status, 256 + SIGINT);
 }
@@ -171,7 +184,7 @@ TEST(Interruption, IgnoredByTheParentStaysIgnored) {
 }
 
 TEST(Interruption, LeavesNoLineOnTheTerminal) {
-  const std::vector<std::string> arguments = {Image(), "5", "17"};
+  const std::vector<std::string> arguments = {LargeSectors(), "5", "17"};
   const std::string whole = TraceProgram(arguments).outcome.out;
   const std::size_t reads = TraceProgram(arguments).Of("pread64(").size();
   std::vector<std::string> words = {"strace",

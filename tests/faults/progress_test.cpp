@@ -17,14 +17,14 @@ namespace {
 
 // Sectors 10 to 19 are of use here.
 const std::string& Image() {
+  // Sectors too large to be read ahead: each is a read of its own. Most are empty, and their reports short.
   static const std::string image = [] {
-    Disk disk(30);
-    for (u64 sector = 1; sector < 30; ++sector)
-      disk.At(sector).Le64(0, sector);
+    constexpr u32 kSectorSize = 262144;
+    Disk disk(30, kSectorSize);
     PutBootRecord(disk, 0, {});
     const std::string path = ScratchPath("progress.img");
     disk.Write(path);
-    return path + "@512";
+    return path + "@" + std::to_string(kSectorSize);
   }();
   return image;
 }
@@ -166,7 +166,7 @@ TEST(Progress, JobInTheBackgroundShowsNothing) {
 TEST(Progress, SignalAsksForItOnce) {
   const Sound sound = SoundRun("12");
   const std::string atSector11 = "pread64:signal=USR1:when=" + ReadOf(sound, 12, 1);
-  const std::string line = "sector 12, 3 of 3, [0-9]+\\.[0-9] MiB/s, report " +
+  const std::string line = "sector 12, 3 of 3, [0-9]+(\\.[0-9])? MiB/s, report " +
                            KiB(ReportedBefore(sound.report, 12)) + ", 0:[0-9]{2} left, 0 unreadable\n";
   const Trace trace = TraceProgram(Range("12"), atSector11);
   EXPECT_EQ(trace.outcome.status, 0);
