@@ -5,12 +5,13 @@
 
 #include <dlfcn.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
-#include "frame/disk/file_posix.h"
+#include "frame/disk/container_ewf_posix.h"
+#include "frame/disk/container_handle_posix.h"
 
 namespace trovisk {
 namespace {
@@ -47,77 +48,8 @@ constexpr ContainerLibrary kLibraries[] = {
      .adopt = "_set_parent_file"},
 };
 
-constexpr int kReadOnly = 1;
-
-}  // namespace
-
-// One open image of a chain. The functions of its library are looked up as they are needed.
-struct Container {
-  const ContainerLibrary* library = nullptr;
-  void* code = nullptr;    // the loaded library
-  void* handle = nullptr;  // the library's
-  ssize_t (*read)(void* handle, void* buffer, std::size_t size, i64 offset, void** error) = nullptr;
-  u64 length = 0;  // bytes
-  OpenedContainer parent;
-};
-
-namespace {
-
-// A function of the library, by what its name has behind the prefix.
-template <typename Function>
-Function* Find(const Container& container, const char* name) {
-  const std::string whole = container.library->prefix + std::string(name);
-  return reinterpret_cast<Function*>(dlsym(container.code, whole.c_str()));
-}
-
-template <typename... Arguments>
-bool Call(const Container& container, const char* name, Arguments... arguments) {
-  auto* const function = Find<int(Arguments..., void**)>(container, name);
-  return function != nullptr && function(arguments..., nullptr) == 1;
-}
-
-using GlobFunction = int(const char* name, std::size_t length, u8 format, char*** names, int* count,
-                         void** error);
-
-// Whether the file is the last segment of an EWF image: its last section says so. A section's descriptor
-// begins with its type; the one of the last section is the file's end.
-bool IsLastSegment(const char* path) {
-  constexpr u64 kDescriptor = 76;
-  struct stat status {};
-  if (stat(path, &status) != 0 || static_cast<u64>(status.st_size) < kDescriptor) return false;
-  const int descriptor = OpenReadOnly(path);
-  if (descriptor < 0) return false;
-  std::array<u8, 5> type{};
-  const ssize_t got =
-      ReadAt(descriptor, type.data(), type.size(), static_cast<u64>(status.st_size) - kDescriptor);
-  close(descriptor);
-  return got == ssize_t{type.size()} && EqualsText(type, std::string_view("done\0", type.size()));
-}
-
-// An EWF image has further segments, which the library looks for by their names. One whose name has another
-// ending is taken to be all there is. The library fills what is missing with zeros, so nothing may be.
-bool OpenSegments(const Container& container, const std::string& path, std::string& refusal) {
-  auto* const glob = reinterpret_cast<GlobFunction*>(dlsym(container.code, "libewf_glob"));
-  char** names = nullptr;
-  int count = 0;
-  std::string alone = path;
-  char* only = alone.data();
-  if (glob == nullptr || glob(path.c_str(), path.size(), 0, &names, &count, nullptr) != 1 || count < 1) {
-    names = &only;
-    count = 1;
-  }
-  if (!IsLastSegment(names[count - 1])) {
-    const std::string last = names[count - 1];
-    refusal = "has no end: a segment behind " + last.substr(last.rfind('/') + 1) +
-              " is missing, or that one is cut";
-    return false;
-  }
-  auto* const open = Find<int(void*, char* const*, int, int, void**)>(container, "_open");
-  return open != nullptr && open(container.handle, names, count, kReadOnly, nullptr) == 1;
-}
-
 bool OpenFile(const Container& container, const std::string& path, std::string& refusal) {
-  if (container.library->format == ContainerFormat::kEwf) return OpenSegments(container, path, refusal);
+  if (container.library->format == ContainerFormat::kEwf) return OpenEwfSegments(container, path, refusal);
   auto* const open = Find<int(void*, const char*, int, void**)>(container, "_open");
   return open != nullptr && open(container.handle, path.c_str(), kReadOnly, nullptr) == 1;
 }
@@ -261,27 +193,6 @@ OpenedContainer OpenContainer(const ContainerKind& kind, const std::string& path
   return container;
 }
 
-namespace {
-
-// Whether the library has met a wrong checksum in these bytes: it gives them all the same.
-bool HasChecksumError(const Container& container, u64 offset, std::size_t count) {
-  u32 bytesPerSector = 0;
-  u32 errorCount = 0;
-  if (!Call(container, "_get_number_of_checksum_errors", container.handle, &errorCount) || errorCount == 0 ||
-      !Call(container, "_get_bytes_per_sector", container.handle, &bytesPerSector)) {
-    return false;
-  }
-  for (u32 i = 0; i < errorCount; ++i) {
-    u64 first = 0;
-    u64 sectors = 0;
-    if (!Call(container, "_get_checksum_error", container.handle, i, &first, &sectors)) return true;
-    if (first * bytesPerSector < offset + count && offset < (first + sectors) * bytesPerSector) return true;
-  }
-  return false;
-}
-
-}  // namespace
-
 u64 ContainerLength(const Container& container) {
   return container.length;
 }
@@ -294,7 +205,7 @@ bool ReadContainer(const Container& container, u64 offset, u8* buffer, std::size
     if (more <= 0) return false;
     got += static_cast<std::size_t>(more);
   }
-  return container.library->format != ContainerFormat::kEwf || !HasChecksumError(container, offset, got);
+  return container.library->format != ContainerFormat::kEwf || !HasEwfChecksumError(container, offset, got);
 }
 
 }  // namespace trovisk
