@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <fstream>
@@ -15,8 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "frame/disk/container_kind.h"
-#include "frame/disk/container_process_posix.h"
 #include "frame/disk/device.h"
 #include "frame/disk/disk_numbers.h"
 #include "frame/disk/file_posix.h"
@@ -46,41 +43,6 @@ std::string DiskOfNumber(const std::string& digits) {
   if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc()) return {};
   const std::vector<std::string> disks = NumberedDisksOfThisMachine();
   return number < disks.size() ? "/dev/" + disks[number] : std::string();
-}
-
-// Puts an image in the place of the descriptor of the regular file at the path: of the file's own bytes where
-// the name states their sector size, else of what the file holds.
-ErrorCode OpenImage(Device& device, const std::string& path, u64 length) {
-  const int descriptor = Descriptor(device);
-  ImageSource source;
-  if (device.sectorSize == 0) {
-    std::array<u8, kContainerHead> head;
-    std::array<u8, kContainerTail> tail;
-    const ssize_t headBytes = ReadAt(descriptor, head.data(), head.size(), 0);
-    const ssize_t tailBytes =
-        ReadAt(descriptor, tail.data(), tail.size(), length - std::min<u64>(length, tail.size()));
-    const auto* const kind =
-        ContainerKindOf(Bytes(head).first(static_cast<std::size_t>(std::max<ssize_t>(headBytes, 0))),
-                        Bytes(tail).first(static_cast<std::size_t>(std::max<ssize_t>(tailBytes, 0))));
-    if (kind != nullptr && kind->format == ContainerFormat::kFixedVhd) {
-      source = FileSource(descriptor, FixedVhdLength(tail, length));
-    } else if (kind != nullptr && kind->format == ContainerFormat::kEwf && EwfSegment(head) != 1) {
-      device.refusal =
-          "is segment " + std::to_string(EwfSegment(head)) + " of an E01 (EWF) image: name the first one";
-      return EINVAL;
-    } else if (kind != nullptr) {
-      const ErrorCode error = OpenContainerProcess(*kind, path, source, device.refusal);
-      if (error != 0) return error;
-      close(descriptor);
-    } else if (PieceNames::IsFirst(path)) {
-      if (!OpenPieces(path, descriptor, length, source, device.refusal) && !device.refusal.empty())
-        return EINVAL;
-    }
-  }
-  if (source.read == nullptr) source = FileSource(descriptor, length);
-  device.handle = -1;
-  device.image = std::make_unique<Image>(source, device.sectorSize);
-  return 0;
 }
 
 }  // namespace
@@ -118,7 +80,9 @@ ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* argument) {
   if (device.handle < 0) return LastError();
   struct stat status {};
   if (fstat(Descriptor(device), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
-  return OpenImage(device, path, static_cast<u64>(status.st_size));
+  const ImageSource file = FileSource(Descriptor(device), static_cast<u64>(status.st_size));
+  device.handle = -1;
+  return OpenImage(device, kPosixFiles, path, file);
 }
 
 bool IsOpen(const Device& device) {
@@ -160,13 +124,9 @@ bool IsReadAhead(const Device& device, u32 count) {
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
   // Up to the largest offset there is: the system would refuse to read across it instead of reading short.
   count = static_cast<u32>(std::min<u64>(count, kLargestOffset - device.position));
+  if (device.image != nullptr) return ReadImage(device, buffer, count, got);
   std::size_t bytes = 0;
-  ErrorCode error = 0;
-  if (device.image != nullptr) {
-    error = device.image->Read(device.position, buffer, count, bytes);
-  } else {
-    error = ReadBytes(Descriptor(device), device.direct, device.position, buffer, count, bytes);
-  }
+  const ErrorCode error = ReadBytes(Descriptor(device), device.direct, device.position, buffer, count, bytes);
   got = static_cast<u32>(bytes);
   device.position += got;
   return error;
