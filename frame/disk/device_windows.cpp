@@ -1,12 +1,18 @@
-// The operating system's side on Windows: a physical drive, through the calls that read one raw.
+// The operating system's side on Windows: a physical drive, through the calls that read one raw, and image
+// files in its place.
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 #include <winioctl.h>
 
+#include <cstring>
 #include <string>
 
 #include "frame/disk/device.h"
+#include "frame/disk/file_windows.h"
+#include "frame/disk/first_argument.h"
+#include "frame/disk/image_files.h"
+#include "frame/disk/image_files_windows.h"
 
 namespace trovisk {
 namespace {
@@ -15,26 +21,35 @@ HANDLE Handle(const Device& device) {
   return reinterpret_cast<HANDLE>(device.handle);
 }
 
-// The error of a call that has failed.
-ErrorCode Failure() {
-  const DWORD error = GetLastError();
-  return error == 0 ? kErrorWithoutCode : error;
+// Digits alone are the number of a drive, never a file of that name in the current folder.
+bool IsNumber(const char* argument) {
+  return argument[std::strspn(argument, "0123456789")] == '\0';
 }
 
 }  // namespace
 
-ErrorCode OpenDevice(Device& device, WideText path, const char* /*argument*/) {
+// An argument that names no drive is tried as the path of a file. Where it is none either, what is said is
+// said of the drive.
+ErrorCode OpenDevice(Device& device, WideText path, const char* argument) {
+  device = Device{};
   const HANDLE handle = CreateFileW(std::wstring(path).c_str(), GENERIC_READ,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
   device.handle = reinterpret_cast<std::intptr_t>(handle);
-  return handle == INVALID_HANDLE_VALUE ? Failure() : 0;
+  if (handle != INVALID_HANDLE_VALUE) return 0;
+  const ErrorCode error = Failure();
+  if (!IsNotThere(error) || IsNumber(argument)) return error;
+  return OpenImageFile(device, FirstArgument(GetCommandLineW())) ? 0 : error;
 }
 
 bool IsOpen(const Device& device) {
-  return Handle(device) != INVALID_HANDLE_VALUE;
+  return Handle(device) != INVALID_HANDLE_VALUE || device.image != nullptr;
 }
 
 ErrorCode QuerySectorSize(Device& device, u32& bytesPerSector) {
+  if (device.image != nullptr) {
+    bytesPerSector = device.image->SectorSize();
+    return 0;
+  }
   DISK_GEOMETRY_EX geometry{};
   DWORD returned = 0;
   if (!DeviceIoControl(Handle(device), IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, nullptr, 0, &geometry,
@@ -46,6 +61,10 @@ ErrorCode QuerySectorSize(Device& device, u32& bytesPerSector) {
 }
 
 ErrorCode QueryLength(const Device& device, u64& bytes) {
+  if (device.image != nullptr) {
+    bytes = device.image->Length();
+    return 0;
+  }
   GET_LENGTH_INFORMATION length{};
   DWORD returned = 0;
   if (!DeviceIoControl(Handle(device), IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &length, sizeof length,
@@ -57,6 +76,11 @@ ErrorCode QueryLength(const Device& device, u64& bytes) {
 }
 
 ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
+  if (device.image != nullptr) {
+    if (static_cast<i64>(offset) < 0) return ERROR_INVALID_PARAMETER;
+    device.position = landed = offset;
+    return 0;
+  }
   LARGE_INTEGER distance{};
   distance.QuadPart = static_cast<LONGLONG>(offset);
   LARGE_INTEGER position{};
@@ -72,6 +96,7 @@ bool IsReadAhead(const Device& device, u32 count) {
 }
 
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
+  if (device.image != nullptr) return ReadImage(device, buffer, count, got);
   DWORD bytes = 0;
   if (!ReadFile(Handle(device), buffer, count, &bytes, nullptr)) return Failure();
   got = bytes;
@@ -79,7 +104,7 @@ ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
 }
 
 ErrorCode CloseDevice(Device& device) {
-  const ErrorCode error = CloseHandle(Handle(device)) ? 0 : Failure();
+  const ErrorCode error = device.image != nullptr || CloseHandle(Handle(device)) ? 0 : Failure();
   device = Device{};
   return error;
 }

@@ -25,16 +25,15 @@ std::string AsElsewhere(std::string text) {
   return std::regex_replace(text, day, "$1 $2");
 }
 
-// As Windows programs see a path of this system.
-std::string WindowsPath(std::string path) {
-  ReplaceAll(path, "/", "\\");
-  return "Z:" + path;
-}
-
 }  // namespace
 
 std::string WineCommand() {
   return Variable("TROVISK_WINE");
+}
+
+std::string WindowsPath(std::string path) {
+  ReplaceAll(path, "/", "\\");
+  return "Z:" + path;
 }
 
 bool UnderWine() {

@@ -19,6 +19,9 @@ bool UnderWine();
 // The wine command.
 std::string WineCommand();
 
+// A whole path of this system as Windows programs see it.
+std::string WindowsPath(std::string path);
+
 // A program of the Windows build.
 std::string WindowsProgram(const std::string& name);
 

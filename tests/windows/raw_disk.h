@@ -11,11 +11,16 @@
 namespace trovisk::test {
 
 struct RawDiskRun {
-  Outcome outcome;    // the build date reads "<date>", the disk's number "<disk>"
+  Outcome outcome;    // the build date reads "<date>"
   std::string calls;  // what was asked of the system, one line per call
 };
 
-// arguments: first and last sector, as needed; rules: the words of RAW_DISK besides the sector size.
+// Runs a program of the Windows build. rules: the words of RAW_DISK besides the log.
+RawDiskRun RunUnderRawDiskRules(const std::string& program, const std::vector<std::string>& arguments,
+                                const std::string& rules);
+
+// Runs it on a disk; the disk's number reads "<disk>". arguments: first and last sector, as needed; rules:
+// the words of RAW_DISK besides the log and the sector size.
 RawDiskRun RunOnRawDisk(const Disk& disk, const std::vector<std::string>& arguments = {},
                         const std::string& rules = "", Build build = Build::kShipped);
 

@@ -3,7 +3,8 @@
 // blank between:
 //
 //   sector=BYTES       the sector size; 512 without it
-//   log=FILE           every call is written there with its arguments, one line each
+//   log=FILE           every call on the disk is written there with its arguments, one line each, and every
+//                      opening of another file
 //   open=ERROR         the disk does not open
 //   geometry=ERROR     the first query fails
 //   length=ERROR       the second query fails
@@ -112,6 +113,9 @@ HANDLE WINAPI RulesCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURI
   Log("CreateFileW " + name + " access " + Hex(access) + " share " + Hex(share) + " security " +
       Pointer(security) + " disposition " + Hex(disposition) + " flags " + Hex(flags) + " template " +
       Pointer(pattern));
+  if (!wide.starts_with(L"\\\\.\\PhysicalDrive")) {
+    return CreateFileW(path, access, share, security, disposition, flags, pattern);
+  }
   if (rules.errors.contains("open")) {
     FailAsTold("open");
     return INVALID_HANDLE_VALUE;
@@ -148,6 +152,7 @@ BOOL WINAPI RulesSetFilePointerEx(HANDLE disk, LARGE_INTEGER distance, PLARGE_IN
 }
 
 BOOL WINAPI RulesReadFile(HANDLE disk, LPVOID buffer, DWORD count, LPDWORD got, LPOVERLAPPED overlapped) {
+  if (disk != rules.disk) return ReadFile(disk, buffer, count, got, overlapped);
   Log("ReadFile " + std::to_string(count) + " bytes, overlapped " + Pointer(overlapped));
   if (count % rules.sectorSize != 0) return Fail(ERROR_INVALID_PARAMETER);
   LARGE_INTEGER position{};
