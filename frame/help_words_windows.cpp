@@ -1,4 +1,4 @@
-// The words of Windows: physical drives, and its own messages.
+// The words of Windows: physical drives and image files, and its own messages.
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
@@ -9,16 +9,20 @@ namespace trovisk {
 
 const HelpWords kHelpWords = {
     .diskArgument =
-        R"(  disk          the number of a physical drive, as Disk Management counts them
+        R"(  disk          a number    the physical drive of that number in Disk Management
+                an image    the path of an image file
+                PATH@N      an image file with sectors of N bytes
 )",
-    .examples = R"(  trovisk 0        \\.\PhysicalDrive0 as a whole
-  trovisk 1 1      the second sector of another, where a GPT header stands
-  trovisk 0 0 63   the first 64 sectors of \\.\PhysicalDrive0
+    .examples = R"(  trovisk 0                    \\.\PhysicalDrive0 as a whole
+  trovisk 1 1                  the second sector, where a GPT header stands
+  trovisk disk.img@4096 0 63   the first 64 sectors, of 4096 bytes, of an image
 )",
     .more = R"(Raw disks need a console that was opened with "Run as administrator".
 More: README.md, which comes with the program
 )",
-    .naming = "A disk is named by its number in Disk Management: 0 is \\\\.\\PhysicalDrive0.\n",
+    .naming = R"(A disk is named by its number in Disk Management, or by the path of an image
+file (disk.img, or disk.img@4096 for sectors of 4096 bytes).
+)",
     .accessDenied = R"(Reading a disk takes an administrator's rights: run the same command in a
 console that was opened with "Run as administrator".
 )",

@@ -92,10 +92,10 @@ TEST(WindowsText, HintsOnAConsole) {
   Disk(200).Write(image);
   const WineDrive drive(image, "7");
   const std::string text = OnConsole({WineCommand(), WindowsProgram("trovisk.exe"), "4000000000"});
-  const std::regex hints(
-      R"(for reading, error *2\n\nError 2: [^\n]*[^.\n ]\.\n)"
-      R"(A disk is named by its number in Disk Management: 0 is \\\\\.\\PhysicalDrive0\.\n\n)"
-      R"(The disks of this machine:\n\n  number  device +size  model\n)");
+  const std::regex hints(R"(for reading, error *2\n\nError 2: [^\n]*[^.\n ]\.\n)"
+                         R"(A disk is named by its number in Disk Management, or by the path of an image\n)"
+                         R"(file \(disk\.img, or disk\.img@4096 for sectors of 4096 bytes\)\.\n\n)"
+                         R"(The disks of this machine:\n\n  number  device +size  model\n)");
   EXPECT_TRUE(std::regex_search(text, hints)) << text;
   EXPECT_TRUE(std::regex_search(text, std::regex(R"(\n       7  \\\\\.\\PhysicalDrive7( |\n))"))) << text;
 }
