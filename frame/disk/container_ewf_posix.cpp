@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <vector>
 
 #include "frame/disk/file_posix.h"
 
@@ -15,10 +16,10 @@ using GlobFunction = int(const char* name, std::size_t length, u8 format, char**
 
 // Whether the file is the last segment of an EWF image: its last section says so. A section's descriptor
 // begins with its type; the one of the last section is the file's end.
-bool IsLastSegment(const char* path) {
+bool IsLastSegment(const std::string& path) {
   constexpr u64 kDescriptor = 76;
   struct stat status {};
-  if (stat(path, &status) != 0 || static_cast<u64>(status.st_size) < kDescriptor) return false;
+  if (stat(path.c_str(), &status) != 0 || static_cast<u64>(status.st_size) < kDescriptor) return false;
   const int descriptor = OpenReadOnly(path);
   if (descriptor < 0) return false;
   std::array<u8, 5> type{};
@@ -34,22 +35,21 @@ bool IsLastSegment(const char* path) {
 // ending is taken to be all there is. The library fills what is missing with zeros, so nothing may be.
 bool OpenEwfSegments(const Container& container, const std::string& path, std::string& refusal) {
   auto* const glob = reinterpret_cast<GlobFunction*>(dlsym(container.code, "libewf_glob"));
+  std::string alone = path;
+  std::vector<char*> segments = {alone.data()};
   char** names = nullptr;
   int count = 0;
-  std::string alone = path;
-  char* only = alone.data();
-  if (glob == nullptr || glob(path.c_str(), path.size(), 0, &names, &count, nullptr) != 1 || count < 1) {
-    names = &only;
-    count = 1;
+  if (glob != nullptr && glob(path.c_str(), path.size(), 0, &names, &count, nullptr) == 1 && count > 0) {
+    segments.assign(names, names + count);
   }
-  if (!IsLastSegment(names[count - 1])) {
-    const std::string last = names[count - 1];
+  if (const std::string last = segments.back(); !IsLastSegment(last)) {
     refusal = "has no end: a segment behind " + last.substr(last.rfind('/') + 1) +
               " is missing, or that one is cut";
     return false;
   }
   auto* const open = Find<int(void*, char* const*, int, int, void**)>(container, "_open");
-  return open != nullptr && open(container.handle, names, count, kReadOnly, nullptr) == 1;
+  return open != nullptr &&
+         open(container.handle, segments.data(), static_cast<int>(segments.size()), kReadOnly, nullptr) == 1;
 }
 
 bool HasEwfChecksumError(const Container& container, u64 offset, std::size_t count) {
