@@ -42,14 +42,30 @@ bool OpenEwfSegments(const Container& container, const std::string& path, std::s
   if (glob != nullptr && glob(path.c_str(), path.size(), 0, &names, &count, nullptr) == 1 && count > 0) {
     segments.assign(names, names + count);
   }
+  for (const char* const segment : segments) {
+    struct stat status {};
+    if (stat(segment, &status) != 0 || !S_ISREG(status.st_mode)) {
+      refusal = "has a segment that is no regular file: " + std::string(segment);
+      return false;
+    }
+  }
   if (const std::string last = segments.back(); !IsLastSegment(last)) {
     refusal = "has no end: a segment behind " + last.substr(last.rfind('/') + 1) +
               " is missing, or that one is cut";
     return false;
   }
   auto* const open = Find<int(void*, char* const*, int, int, void**)>(container, "_open");
-  return open != nullptr &&
-         open(container.handle, segments.data(), static_cast<int>(segments.size()), kReadOnly, nullptr) == 1;
+  if (open == nullptr ||
+      open(container.handle, segments.data(), static_cast<int>(segments.size()), kReadOnly, nullptr) != 1) {
+    return false;
+  }
+  // The library leaves damaged sections out, and what follows them would be taken for their content.
+  auto* const damaged = Find<int(void*, void**)>(container, "_segment_files_corrupted");
+  if (damaged == nullptr || damaged(container.handle, nullptr) != 0) {
+    refusal = "is damaged where it says which of its bytes belong to which sector";
+    return false;
+  }
+  return true;
 }
 
 bool HasEwfChecksumError(const Container& container, u64 offset, std::size_t count) {

@@ -12,6 +12,7 @@
 
 #include "frame/disk/container_ewf_posix.h"
 #include "frame/disk/container_handle_posix.h"
+#include "frame/disk/container_qcow_posix.h"
 
 namespace trovisk {
 namespace {
@@ -50,6 +51,7 @@ constexpr ContainerLibrary kLibraries[] = {
 
 bool OpenFile(const Container& container, const std::string& path, std::string& refusal) {
   if (container.library->format == ContainerFormat::kEwf) return OpenEwfSegments(container, path, refusal);
+  if (container.library->format == ContainerFormat::kQcow && !IsReadableQcow(path, refusal)) return false;
   auto* const open = Find<int(void*, const char*, int, void**)>(container, "_open");
   return open != nullptr && open(container.handle, path.c_str(), kReadOnly, nullptr) == 1;
 }
@@ -135,6 +137,12 @@ bool AdoptParent(Container& container, const std::string& path, std::vector<std:
     refusal = "rests on another state of the image " + name + " than the one that is there";
     return false;
   }
+  u64 length = 0;
+  if (!Call(container, "_get_media_size", container.handle, &length) || length > container.parent->length) {
+    refusal =
+        "is larger than the image " + name + " that it rests on: convert it with \"qemu-img convert -O raw\"";
+    return false;
+  }
   return Call(container, container.library->adopt, container.handle, container.parent->handle);
 }
 
@@ -198,10 +206,15 @@ u64 ContainerLength(const Container& container) {
 }
 
 bool ReadContainer(const Container& container, u64 offset, u8* buffer, std::size_t count, std::size_t& got) {
+  // A read that begins in a parent's part of the image goes on there: with a parent, none crosses a border
+  // between the two, which lie at multiples of 512 bytes.
+  constexpr std::size_t kBorders = 512;
   got = 0;
   while (got < count && offset + got < container.length) {
+    std::size_t piece = count - got;
+    if (container.parent != nullptr) piece = std::min<u64>(piece, kBorders - (offset + got) % kBorders);
     const ssize_t more =
-        container.read(container.handle, buffer + got, count - got, static_cast<i64>(offset + got), nullptr);
+        container.read(container.handle, buffer + got, piece, static_cast<i64>(offset + got), nullptr);
     if (more <= 0) return false;
     got += static_cast<std::size_t>(more);
   }

@@ -5,6 +5,7 @@
 #include "frame/disk/container_process_posix.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -37,6 +38,10 @@ struct Answer {
 
 constexpr std::size_t kMostAsked = std::size_t{1024} * 1024;
 
+// A reader that waits for something else than a slow disk: a container can name a FIFO among its files.
+constexpr int kPatience = 60'000;
+constexpr int kForEver = -1;
+
 // All of it, or false.
 bool Send(int socket, const void* data, std::size_t size) {
   const auto* at = static_cast<const u8*>(data);
@@ -50,9 +55,14 @@ bool Send(int socket, const void* data, std::size_t size) {
   return true;
 }
 
-bool Receive(int socket, void* data, std::size_t size) {
+// patience: milliseconds without a byte before it is false; negative: no limit.
+bool Receive(int socket, void* data, std::size_t size, int patience) {
   auto* at = static_cast<u8*>(data);
   while (size > 0) {
+    pollfd waiting{socket, POLLIN, 0};
+    const int ready = poll(&waiting, 1, patience);
+    if (ready < 0 && errno == EINTR && !IsInterrupted()) continue;
+    if (ready <= 0) return false;
     const ssize_t received = recv(socket, at, size, 0);
     if (received < 0 && errno == EINTR && !IsInterrupted()) continue;
     if (received <= 0) return false;
@@ -77,6 +87,16 @@ constexpr bool kLimitsMemory = !__has_feature(address_sanitizer);
 constexpr bool kLimitsMemory = true;
 #endif
 
+// Nor does a crash of it leave anything behind; many segments may be open at a time.
+void LimitFiles() {
+  const rlimit none{0, 0};
+  setrlimit(RLIMIT_CORE, &none);
+  rlimit open{};
+  getrlimit(RLIMIT_NOFILE, &open);
+  open.rlim_cur = open.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &open);
+}
+
 void LimitMemory() {
   const rlimit limit{kMostMemory, kMostMemory};
   if (kLimitsMemory) setrlimit(RLIMIT_AS, &limit);
@@ -96,7 +116,7 @@ void LimitTime() {
 void Serve(int socket, const Container& container) {
   std::vector<u8> buffer;
   Request request{};
-  while (Receive(socket, &request, sizeof request)) {
+  while (Receive(socket, &request, sizeof request, kForEver)) {
     LimitTime();
     buffer.resize(std::min<u64>(request.count, kMostAsked));
     std::size_t got = 0;
@@ -113,6 +133,7 @@ void Serve(int socket, const Container& container) {
        {SIGINT, SIGTERM, SIGUSR1, SIGHUP})  // those that a terminal sends to both are for the other
     std::signal(signal, SIG_IGN);
   LimitMemory();
+  LimitFiles();
   LimitTime();
   std::string refusal;
   const OpenedContainer container = OpenContainer(kind, path, refusal);
@@ -138,8 +159,10 @@ ErrorCode ReadFromReader(void* state, u64 offset, u8* buffer, std::size_t count,
   while (got < count) {
     const Request request{offset + got, std::min(count - got, kMostAsked)};
     Answer answer{};
-    if (!Send(reader.socket, &request, sizeof request) || !Receive(reader.socket, &answer, sizeof answer) ||
-        answer.bytes > request.count || !Receive(reader.socket, buffer + got, answer.bytes)) {
+    if (!Send(reader.socket, &request, sizeof request) ||
+        !Receive(reader.socket, &answer, sizeof answer, kPatience) || answer.bytes > request.count ||
+        !Receive(reader.socket, buffer + got, answer.bytes, kPatience)) {
+      kill(reader.process, SIGKILL);  // what it may still say would answer another question
       return EIO;
     }
     if (answer.error != 0) return answer.error;
@@ -193,9 +216,9 @@ ErrorCode OpenContainerProcess(const ContainerKind& kind, const std::string& pat
   }
   source = {new Reader{sockets[0], process}, 0, ReadFromReader, EndReader};
   Answer answer{};
-  bool answered = Receive(sockets[0], &answer, sizeof answer);
+  bool answered = Receive(sockets[0], &answer, sizeof answer, kPatience);
   refusal.resize(answered ? std::min<u64>(answer.bytes, kMostAsked) : 0);
-  answered = answered && Receive(sockets[0], refusal.data(), refusal.size());
+  answered = answered && Receive(sockets[0], refusal.data(), refusal.size(), kPatience);
   if (answered && answer.error == 0) {
     source.length = answer.length;
     return 0;

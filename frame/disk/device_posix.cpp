@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdlib>
 #include <fstream>
 #include <limits>
 #include <memory>
@@ -43,6 +44,12 @@ std::string DiskOfNumber(const std::string& digits) {
   if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc()) return {};
   const std::vector<std::string> disks = NumberedDisksOfThisMachine();
   return number < disks.size() ? "/dev/" + disks[number] : std::string();
+}
+
+// What a link leads to: the other files of an image stand beside that one.
+std::string RealPath(const std::string& path) {
+  const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
+  return real ? real.get() : path;
 }
 
 }  // namespace
@@ -82,7 +89,7 @@ ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* argument) {
   if (fstat(Descriptor(device), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
   const ImageSource file = FileSource(Descriptor(device), static_cast<u64>(status.st_size));
   device.handle = -1;
-  return OpenImage(device, kPosixFiles, path, file);
+  return OpenImage(device, kPosixFiles, RealPath(path), file);
 }
 
 bool IsOpen(const Device& device) {

@@ -40,6 +40,7 @@ bool Image::ReadAhead(u64 offset, std::size_t count) {
   if (source_.read(source_.state, offset, held_.data(), held_.size(), got) != 0) got = 0;
   held_.resize(got);
   start_ = offset;
+  if (got < count) ahead_ = 0;  // the next run of reads begins small again
   return got >= count;
 }
 

@@ -79,6 +79,10 @@ ImageSource SourceOf(const FileCalls& calls, std::vector<Piece> pieces, const Im
 std::vector<Piece> FindPieces(const FileCalls& calls, const std::string& first, u64 length,
                               std::string& refusal) {
   std::vector<Piece> pieces = {{first, length}};
+  if (const std::string before = PieceNames::Before(first); !before.empty() && calls.exists(before)) {
+    refusal = "is the second piece of an image: name " + before;
+    return pieces;
+  }
   PieceNames names(first);
   for (std::string path = names.Next(calls.exists); !path.empty(); path = names.Next(calls.exists)) {
     u64 size = 0;

@@ -47,6 +47,11 @@ bool PieceNames::IsFirst(std::string_view path) {
   return path.ends_with(".001") || path.ends_with(".000") || path.ends_with(".aa");
 }
 
+std::string PieceNames::Before(std::string_view first) {
+  if (!first.ends_with(".001")) return {};
+  return std::string(first.substr(0, first.size() - 1)) + "0";
+}
+
 PieceNames::PieceNames(std::string_view first) {
   const std::size_t dot = first.rfind('.');
   base_ = first.substr(0, dot + 1);

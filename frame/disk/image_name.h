@@ -34,6 +34,9 @@ class PieceNames {
   // Whether the path is one of a first piece.
   static bool IsFirst(std::string_view path);
 
+  // The piece that a first one stands behind where it is there: .000 of .001. Empty: none can be.
+  static std::string Before(std::string_view first);
+
   explicit PieceNames(std::string_view first);
 
   // The path of the piece behind the last one that was given, the second one at first. Numbers go on beyond

@@ -290,6 +290,82 @@ TEST_F(Containers, MissingLibraryIsNamed) {
   EXPECT_EQ(outcome.status, 1);
 }
 
+// Two thirds of the child's clusters are its parent's: every sector of a range is the right one's.
+TEST_F(Containers, ChildAndParentTakeTurns) {
+  Disk disk(8192);
+  for (u64 sector = 0; sector < 8192; ++sector)
+    disk.At(sector).Le64(0, sector + 1);
+  disk.Write(Path("raw.img"));
+  Convert("base.qcow2", "qcow2", {"-o", "cluster_size=4096"});
+  Make({"qemu-img", "create", "-q", "-f", "qcow2", "-o", "cluster_size=512", "-b", "base.qcow2", "-F",
+        "qcow2", Path("child.qcow2")});
+  std::vector<std::string> words = {"qemu-io", "-f", "qcow2"};
+  for (u64 sector = 0; sector < 8192; sector += 96) {
+    words.insert(words.end(), {"-c", "write -P 17 " + std::to_string(sector * 512) + " 16384"});
+    for (u64 written = sector; written < std::min<u64>(sector + 32, 8192); ++written)
+      disk.At(written).Fill(0, 512, 17);
+  }
+  words.push_back(Path("child.qcow2"));
+  Make(words);
+  disk.Write(Path("raw.img"));
+  const Outcome child = Run("child.qcow2", {"0", "8191"});
+  EXPECT_TRUE(SameText(child.out, Run("raw.img", {"0", "8191"}).out));
+  EXPECT_EQ(child.err, "");
+}
+
+// Its library takes them for what they refer to.
+TEST_F(Containers, ZeroedClustersOfQcowAreRefused) {
+  Convert("zeroed.qcow2", "qcow2");
+  Make({"qemu-io", "-f", "qcow2", "-c", "write -P 1 0 256k", "-c", "write -z 64k 64k", Path("zeroed.qcow2")});
+  ExpectRefused("zeroed.qcow2",
+                "is a QCOW image that has zeroed clusters, which its library does not know: convert it with "
+                "\"qemu-img convert -O raw\"");
+}
+
+TEST_F(Containers, ChildLargerThanItsParentIsRefused) {
+  Convert("base.qcow2", "qcow2");
+  Make({"qemu-img", "create", "-q", "-f", "qcow2", "-b", "base.qcow2", "-F", "qcow2", Path("child.qcow2"),
+        "200M"});
+  ExpectRefused("child.qcow2",
+                "is a QCOW image that is larger than the image base.qcow2 that it rests on: convert it with "
+                "\"qemu-img convert -O raw\"");
+}
+
+TEST_F(Containers, LinkToAFirstPieceLeadsToTheOthers) {
+  Make({"split", "-b", "30M", Path("raw.img"), Path("letters.")});
+  fs::create_directory(Path("elsewhere"));
+  fs::create_symlink(Path("letters.aa"), Path("elsewhere/link.001"));
+  ExpectReportsOfTheRawImage("elsewhere/link.001");
+}
+
+TEST_F(Containers, SecondPieceIsRefused) {
+  Make({"split", "-b", "30M", "-d", "-a", "3", Path("raw.img"), Path("zero.")});
+  ExpectRefused("zero.001", "is the second piece of an image: name " + Path("zero.000"));
+}
+
+// A section that is left out would move all that follows it.
+TEST_F(Containers, EwfWithADamagedSectionIsRefused) {
+  Make({"ewfacquire", "-q", "-u", "-f", "encase6", "-c", "none", "-t", Path("evidence"), Path("raw.img")});
+  std::string bytes = ReadFile(Path("evidence.E01"));
+  const std::size_t table = bytes.find(std::string("table\0", 6));
+  ASSERT_NE(table, std::string::npos);
+  bytes[table + 24] = static_cast<char>(bytes[table + 24] ^ 1);  // the section's size
+  Write("evidence.E01", bytes);
+  const Outcome outcome = Run("evidence.E01");
+  EXPECT_TRUE(outcome.err.starts_with("Global::Open: ")) << outcome.err;
+  EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_F(Containers, EwfSegmentThatIsAFifoIsRefused) {
+  Make({"ewfacquire", "-q", "-u", "-f", "encase6", "-c", "none", "-S", "33554432", "-t", Path("evidence"),
+        Path("raw.img")});
+  fs::remove(Path("evidence.E02"));
+  ASSERT_EQ(mkfifo(Path("evidence.E02").c_str(), 0600), 0);
+  const Outcome outcome = Run("evidence.E01");
+  EXPECT_NE(outcome.err.find("has a segment that is no regular file: "), std::string::npos) << outcome.err;
+  EXPECT_EQ(outcome.status, 1);
+}
+
 // Cut at many places, and with many of its bytes changed: no crash, no end that is not the program's own.
 TEST_F(Containers, DamagedOnesEndInMessages) {
   Disk small(2048);
