@@ -386,7 +386,8 @@ TEST_F(Containers, DamagedOnesEndInMessages) {
       if (i % 3 == 0) bytes.resize(random() % bytes.size());
       for (int flips = static_cast<int>(random() % 6); flips >= 0 && !bytes.empty(); --flips) {
         const std::size_t room = std::min(bytes.size(), random() % 4 == 0 ? bytes.size() : head);
-        bytes[random() % room] ^= static_cast<char>(1 << random() % 8);
+        char& byte = bytes[random() % room];
+        byte = static_cast<char>(byte ^ (1 << random() % 8));
       }
       Write("damaged" + name.substr(1), bytes);
       const Outcome outcome = Run("damaged" + name.substr(1), {"0", "100"});

@@ -82,7 +82,7 @@ TEST(OpenHints, AreForDisksThatDoNotOpen) {
 TEST(OpenHints, TellAnEmptyImageFromAShortOne) {
   const std::string path = ScratchPath("short.img");
   const std::string program = ProgramPath(Build::kShipped);
-  std::ofstream(path, std::ios::binary);
+  std::ofstream(path, std::ios::binary).close();
   const Outcome empty = RunOnTerminal({program, path}, {STDERR_FILENO});
   EXPECT_TRUE(empty.err.starts_with("The disk is empty: it has no bytes at all.\n")) << empty.err;
   EXPECT_EQ(RunOnTerminal({program, path}, {}).err.find("empty"), std::string::npos);
