@@ -11,10 +11,11 @@ namespace trovisk {
 
 class InPlace {
  public:
-  // Room for so many characters. Nothing is printed until Take has got the place behind the last one.
+  // Room for so many characters, kRoom at most. Nothing is printed until Take has got the place behind the
+  // last one.
   static constexpr std::size_t kRoom = std::size_t{24} * 1024;
-  static char* Room() {
-    if (Report::kBytes - report.used_ < kRoom) report.Flush();
+  static char* Room(std::size_t characters = kRoom) {
+    if (Report::kBytes - report.used_ < characters) report.Flush();
     return report.bytes_.data() + report.used_;
   }
 

@@ -25,7 +25,9 @@ void PrintRows(Bytes bytes, std::size_t rows, Around around) {
     if (!bytes.empty()) settings.capitals = true;
     settings.hexadecimal = false;
   }
-  char* out = InPlace::Room();
+  const std::size_t blockRows = std::min(rows, kBlockBytes / kRowBytes);
+  const std::size_t room = kDumpHeading.size() + blockRows * kRowText + 1;
+  char* out = InPlace::Room(room);
   if (around == Around::kListing) out = PutText(out, kDumpHeading);
   const std::size_t end = rows * kRowBytes;
   for (std::size_t at = 0; at < end;) {
@@ -36,7 +38,7 @@ void PrintRows(Bytes bytes, std::size_t rows, Around around) {
       out = PutShortRow(out, FromAt(bytes, at), at);
     if (at < end) {
       InPlace::Take(out);
-      out = InPlace::Room();
+      out = InPlace::Room(room);
     }
   }
   if (around == Around::kListing) *out++ = '\n';

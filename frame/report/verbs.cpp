@@ -49,7 +49,8 @@ constexpr std::size_t kMostDescription = 256;
 // Formatted in place: in a range dump every sector has this line.
 void PrintSectorHeader(WideText description, u64 sector, std::string_view start) {
   description = description.substr(0, kMostDescription);
-  char* out = PutText(InPlace::Room(), start);
+  char* out =
+      PutText(InPlace::Room(start.size() + kNumberText + description.size() * kNarrowText + 4), start);
   out = PutNumber(out, sector, Settings());
   out = PutText(out, " [");
   out = PutNarrow(out, description);
