@@ -79,10 +79,6 @@ ImageSource SourceOf(const FileCalls& calls, std::vector<Piece> pieces, const Im
 std::vector<Piece> FindPieces(const FileCalls& calls, const std::string& first, u64 length,
                               std::string& refusal) {
   std::vector<Piece> pieces = {{first, length}};
-  if (const std::string before = PieceNames::Before(first); !before.empty() && calls.exists(before)) {
-    refusal = "is the second piece of an image: name " + before;
-    return pieces;
-  }
   PieceNames names(first);
   for (std::string path = names.Next(calls.exists); !path.empty(); path = names.Next(calls.exists)) {
     u64 size = 0;
@@ -124,6 +120,9 @@ ErrorCode OpenContent(const FileCalls& calls, const std::string& path, ImageSour
       return error;
     Close(file);
     file = content;
+  } else if (const std::string before = PieceNames::Before(path); !before.empty() && calls.exists(before)) {
+    refusal = "is a further piece of an image, behind " + before + ": name the first one";
+    return kErrorWithoutCode;
   } else if (PieceNames::IsFirst(path)) {
     std::vector<Piece> pieces = FindPieces(calls, path, file.length, refusal);
     if (!refusal.empty()) return kErrorWithoutCode;

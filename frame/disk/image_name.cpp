@@ -5,6 +5,8 @@
 namespace trovisk {
 namespace {
 
+constexpr std::string_view kAlphabet = "abcdefghijklmnopqrstuvwxyz";
+
 bool IsNumber(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char digit) { return digit >= '0' && digit <= '9'; });
 }
@@ -47,9 +49,29 @@ bool PieceNames::IsFirst(std::string_view path) {
   return path.ends_with(".001") || path.ends_with(".000") || path.ends_with(".aa");
 }
 
-std::string PieceNames::Before(std::string_view first) {
-  if (!first.ends_with(".001")) return {};
-  return std::string(first.substr(0, first.size() - 1)) + "0";
+std::string PieceNames::Before(std::string_view path) {
+  constexpr std::size_t kFewestDigits = 3;
+  constexpr std::size_t kMostDigits = 9;
+  constexpr std::size_t kLetters = 2;
+  const std::size_t dot = path.rfind('.');
+  if (dot == path.npos) return {};
+  std::string suffix(path.substr(dot + 1));
+  const std::string base(path.substr(0, dot + 1));
+  if (suffix.size() >= kFewestDigits && suffix.size() <= kMostDigits && IsNumber(suffix)) {
+    const unsigned long number = std::stoul(suffix);
+    if (number == 0) return {};
+    const std::string before = std::to_string(number - 1);
+    return base + std::string(std::max(before.size(), kFewestDigits) - before.size(), '0') + before;
+  }
+  if (suffix.size() != kLetters || suffix == "aa" || suffix.find_first_not_of(kAlphabet) != suffix.npos)
+    return {};
+  if (suffix[1] != 'a') {
+    --suffix[1];
+  } else {
+    --suffix[0];
+    suffix[1] = 'z';
+  }
+  return base + suffix;
 }
 
 PieceNames::PieceNames(std::string_view first) {

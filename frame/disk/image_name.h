@@ -34,8 +34,9 @@ class PieceNames {
   // Whether the path is one of a first piece.
   static bool IsFirst(std::string_view path);
 
-  // The piece that a first one stands behind where it is there: .000 of .001. Empty: none can be.
-  static std::string Before(std::string_view first);
+  // The piece that stands before this one where both are pieces: disk.001 before disk.002, disk.aa before
+  // disk.ab. Empty: the path does not end like that of a further piece.
+  static std::string Before(std::string_view path);
 
   explicit PieceNames(std::string_view first);
 

@@ -338,9 +338,13 @@ TEST_F(Containers, LinkToAFirstPieceLeadsToTheOthers) {
   ExpectReportsOfTheRawImage("elsewhere/link.001");
 }
 
-TEST_F(Containers, SecondPieceIsRefused) {
+TEST_F(Containers, PieceBehindAnotherIsRefused) {
   Make({"split", "-b", "30M", "-d", "-a", "3", Path("raw.img"), Path("zero.")});
-  ExpectRefused("zero.001", "is the second piece of an image: name " + Path("zero.000"));
+  Make({"split", "-b", "30M", Path("raw.img"), Path("letters.")});
+  for (const auto& [piece, before] :
+       {std::pair{"zero.001", "zero.000"}, {"zero.003", "zero.002"}, {"letters.ab", "letters.aa"}}) {
+    ExpectRefused(piece, "is a further piece of an image, behind " + Path(before) + ": name the first one");
+  }
 }
 
 // A section that is left out would move all that follows it.
