@@ -23,7 +23,7 @@ u32 SectorSizeOfName(const std::basic_string<Character>& argument, std::basic_st
     size = size * 10 + static_cast<u32>(digit - Character{'0'});
     if (size > kLargest) return 0;
   }
-  path = argument.substr(0, at);
+  if (size != 0) path = argument.substr(0, at);
   return size;
 }
 
