@@ -80,9 +80,9 @@ TEST(SystemCalls, RangeDumpOfAnImageReadsAhead) {
     const std::vector<u64> asked = BytesAsked(path, {"1", "2010"});
     std::vector<u64> large;
     std::copy_if(asked.begin(), asked.end(), std::back_inserter(large),
-                 [&](u64 bytes) { return bytes > 2 * sectorSize; });
+                 [&](u64 bytes) { return bytes > u64{2} * sectorSize; });
     ASSERT_GE(large.size(), 3u);
-    EXPECT_LE(large.size(), 2010 * sectorSize / 262144 + 8u);
+    EXPECT_LE(large.size(), u64{2010} * sectorSize / 262144 + 8);
     EXPECT_TRUE(std::is_sorted(large.begin(), large.end()));
     EXPECT_GE(large.back(), 262144u);
     EXPECT_LE(large.back(), 262144u);
