@@ -373,7 +373,7 @@ TEST(WindowsImageFile, InPieces) {
     ExpectTheSameReport({WindowsPath(path) + ".001", "0", "7"}, {path, "0", "7"});
     ExpectTheSameReport({WindowsPath(path) + ".001", "0", "7"}, {path + ".001", "0", "7"});
     ExpectLastSector(WindowsPath(path) + ".001@512", "2");
-    ExpectLastSector(WindowsPath(path) + ".002", "2");
+    ExpectLastSector(WindowsPath(path) + ".002@512", "2");
   }
 }
 
@@ -383,6 +383,7 @@ TEST(WindowsImageFile, InPiecesOfLetters) {
   WriteFile("x.ab", Numbered(2, 2));
   ExpectLastSector("x.aa", "3");
   ExpectTheSameReport({"x.aa", "0", "3"}, {ScratchPath("letters/x.aa"), "0", "3"});
+  ExpectRefused("x.ab", "is a further piece of an image, behind x.aa: name the first one");
 }
 
 TEST(WindowsImageFile, InPiecesOfWhichOneIsMissing) {
