@@ -1,0 +1,28 @@
+# trovisk-map: the survey, on the decoders of the report, with libraries for what is no disk structure.
+
+find_package(ZLIB REQUIRED)
+
+# CLI11 and nlohmann-json are headers alone, the same for every system; a cross compiler does not look where
+# they are, and must not find the rest of that folder.
+set(map_headers ${CMAKE_BINARY_DIR}/map_headers)
+file(MAKE_DIRECTORY ${map_headers})
+foreach(header IN ITEMS CLI/CLI.hpp nlohmann/json.hpp)
+  get_filename_component(folder ${header} DIRECTORY)
+  find_path(
+    TROVISK_${folder}_INCLUDE ${header}
+    PATHS /usr/local/include /usr/include
+    NO_CMAKE_FIND_ROOT_PATH)
+  if(NOT TROVISK_${folder}_INCLUDE)
+    message(FATAL_ERROR "trovisk-map needs ${header}; script/bootstrap run installs it")
+  endif()
+  file(CREATE_LINK ${TROVISK_${folder}_INCLUDE}/${folder} ${map_headers}/${folder} COPY_ON_ERROR SYMBOLIC)
+endforeach()
+
+file(GLOB map_sources CONFIGURE_DEPENDS map/*.cpp)
+list(REMOVE_ITEM map_sources ${CMAKE_SOURCE_DIR}/map/main.cpp)
+add_library(trovisk_map_core STATIC ${map_sources} ${examination_sources})
+target_link_libraries(trovisk_map_core PUBLIC trovisk_core ZLIB::ZLIB)
+target_include_directories(trovisk_map_core SYSTEM PUBLIC ${map_headers})
+
+add_executable(trovisk-map map/main.cpp)
+target_link_libraries(trovisk-map PRIVATE trovisk_map_core trovisk_system trovisk_catalogue)

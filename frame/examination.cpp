@@ -1,0 +1,100 @@
+#include "frame/examination.h"
+
+#include <array>
+#include <utility>
+
+#include "frame/global.h"
+#include "frame/sector.h"
+
+namespace trovisk {
+namespace {
+
+constexpr u64 kMostBytes = u64{1} << 20;
+
+void AppendUtf8(std::string& text, char32_t character) {
+  const auto put = [&](char32_t bits) { text += static_cast<char>(static_cast<u8>(bits)); };
+  if (character < 0x80) {
+    put(character);
+  } else if (character < 0x800) {
+    put(0xC0 | character >> 6);
+    put(0x80 | (character & 0x3F));
+  } else if (character < 0x10000) {
+    put(0xE0 | character >> 12);
+    put(0x80 | (character >> 6 & 0x3F));
+    put(0x80 | (character & 0x3F));
+  } else {
+    put(0xF0 | character >> 18);
+    put(0x80 | (character >> 12 & 0x3F));
+    put(0x80 | (character >> 6 & 0x3F));
+    put(0x80 | (character & 0x3F));
+  }
+}
+
+// Control characters, what changes the direction of the text around it, line and paragraph separators, and
+// noncharacters.
+bool IsUnsafe(char32_t character) {
+  return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x061C ||
+         (character >= 0x200B && character <= 0x200F) || (character >= 0x2028 && character <= 0x202E) ||
+         (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF ||
+         (character >= 0xFDD0 && character <= 0xFDEF) || (character & 0xFFFE) == 0xFFFE ||
+         (character >= 0xFFF9 && character <= 0xFFFB);
+}
+
+}  // namespace
+
+std::optional<std::vector<u8>> ReadSectors(u64 first, u64 count) {
+  const u64 bytesPerSector = disk.bytesPerSector;
+  if (bytesPerSector == 0 || count == 0 || count > kMostBytes / bytesPerSector) return std::nullopt;
+  if (first > ~u64{0} / bytesPerSector) return std::nullopt;
+  std::vector<u8> bytes(static_cast<std::size_t>(count * bytesPerSector));
+  if (!SeekToSector(first) || !disk.Read(bytes.data(), bytes.size())) return std::nullopt;
+  return bytes;
+}
+
+Check CheckEqual(u64 sector, std::string_view name, std::string found, std::string expected) {
+  const Verdict verdict = found == expected ? Verdict::kGood : Verdict::kBad;
+  return {sector, std::string(name), verdict, std::move(found), std::move(expected)};
+}
+
+Check CheckEqual(u64 sector, std::string_view name, u64 found, u64 expected) {
+  return CheckEqual(sector, name, std::to_string(found), std::to_string(expected));
+}
+
+std::string Hex32(u64 value) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text = "0x";
+  for (int shift = 28; shift >= 0; shift -= 4)
+    text += kDigits[static_cast<std::size_t>(value >> shift & 0xF)];
+  return text;
+}
+
+std::string SafeUtf16(Bytes units) {
+  std::string text;
+  for (u64 position = 0; position + 2 <= units.size(); position += 2) {
+    const char32_t unit = Le16At(units, position);
+    if (unit == 0) break;
+    char32_t character = unit;
+    if (unit >= 0xD800 && unit < 0xDC00) {
+      const char32_t low = Le16At(units, position + 2);
+      if (low >= 0xDC00 && low < 0xE000) {
+        character = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+        position += 2;
+      }
+    }
+    const bool lone = character >= 0xD800 && character < 0xE000;
+    AppendUtf8(text, lone || IsUnsafe(character) ? U'?' : character);
+  }
+  return text;
+}
+
+std::string SafeAscii(Bytes characters) {
+  std::string text;
+  for (const u8 byte : characters) {
+    if (byte == 0) break;
+    text += byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '?';
+  }
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text;
+}
+
+}  // namespace trovisk

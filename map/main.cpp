@@ -1,0 +1,5 @@
+#include "map/command.h"
+
+int main(int argc, char** argv) {
+  return trovisk::RunMap(argc, argv);
+}

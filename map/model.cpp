@@ -1,0 +1,57 @@
+#include "map/model.h"
+
+#include <algorithm>
+#include <array>
+
+namespace trovisk {
+namespace {
+
+constexpr std::array<std::string_view, 11> kFlagNames = {
+    "active", "container", "overlaps",     "beyond-end",    "reversed", "empty",
+    "hybrid", "unsound",   "copy-differs", "other-reading", "damaged"};
+
+bool IsWrong(const Check& check) {
+  return check.verdict == Verdict::kBad || check.verdict == Verdict::kMissing;
+}
+
+constexpr u32 kWrongFlags = kFlagOverlaps | kFlagBeyondEnd | kFlagReversed | kFlagCopyDiffers | kFlagDamaged;
+
+bool IsWrongExtent(const Extent& extent) {
+  return (extent.flags & kWrongFlags) != 0;
+}
+
+}  // namespace
+
+std::string_view NameOfFlag(ExtentFlag flag) {
+  std::size_t bit = 0;
+  while ((u32{flag} >> bit & 1) == 0)
+    ++bit;
+  return kFlagNames.at(bit);
+}
+
+std::vector<std::string_view> NamesOfFlags(u32 flags) {
+  std::vector<std::string_view> names;
+  for (std::size_t bit = 0; bit < kFlagNames.size(); ++bit) {
+    if ((flags >> bit & 1) != 0) names.push_back(kFlagNames.at(bit));
+  }
+  return names;
+}
+
+std::string_view NameOfKind(ExtentKind kind) {
+  constexpr std::array<std::string_view, 6> kNames = {"partition", "logical", "structure",
+                                                      "volume",    "area",    "gap"};
+  return kNames.at(static_cast<std::size_t>(kind));
+}
+
+std::string_view NameOfVerdict(Verdict verdict) {
+  constexpr std::array<std::string_view, 4> kNames = {"good", "bad", "missing", "not checked"};
+  return kNames.at(static_cast<std::size_t>(verdict));
+}
+
+int DiskMap::ExitStatus() const {
+  const bool wrong = std::any_of(checks.begin(), checks.end(), IsWrong) ||
+                     std::any_of(extents.begin(), extents.end(), IsWrongExtent);
+  return wrong ? 2 : 0;
+}
+
+}  // namespace trovisk

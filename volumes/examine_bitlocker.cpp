@@ -1,0 +1,9 @@
+#include "volumes/examinations.h"
+
+namespace trovisk {
+
+VolumeFindings ExamineBitLocker(const VolumePlace& /*place*/) {
+  return {};
+}
+
+}  // namespace trovisk

@@ -1,0 +1,9 @@
+#include "volumes/examinations.h"
+
+namespace trovisk {
+
+VolumeFindings ExamineNtfs(const VolumePlace& /*place*/) {
+  return {};
+}
+
+}  // namespace trovisk

@@ -1,0 +1,9 @@
+#include "volumes/examinations.h"
+
+namespace trovisk {
+
+VolumeFindings ExamineReFs(const VolumePlace& /*place*/) {
+  return {};
+}
+
+}  // namespace trovisk
