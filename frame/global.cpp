@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "frame/interruption.h"
+#include "frame/report/field_notes.h"
 #include "frame/report/report.h"
 
 namespace trovisk {
@@ -102,6 +103,7 @@ bool Global::ReadExactly(u8* buffer, u64 count) {
 }
 
 bool Global::Read(u8* buffer, u64 count) {
+  if (fieldNotes != nullptr) fieldNotes->NoteRecord({buffer, static_cast<std::size_t>(count)});
   if (count >= bytesPerSector) return ReadExactly(buffer, count);
   sector_.resize(bytesPerSector);
   if (!ReadExactly(sector_.data(), sector_.size())) return false;

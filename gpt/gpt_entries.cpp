@@ -14,19 +14,13 @@
 #include "frame/report/names.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "gpt/gpt_entry_layout.h"
 #include "gpt/gpt_state.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kTypeGuid = 0x00;     // 16 bytes, all zero: unused entry
-constexpr std::size_t kUniqueGuid = 0x10;   // 16 bytes
-constexpr std::size_t kStartingLba = 0x20;  // u64
-constexpr std::size_t kEndingLba = 0x28;    // u64, inclusive
-constexpr std::size_t kAttributes = 0x30;   // u64
-constexpr std::size_t kName = 0x38;         // 36 UTF-16 code units, NUL-padded
-constexpr std::size_t kNameSize = 72;
-constexpr std::size_t kEntrySize = 128;
+using namespace gpt_entry;
 
 using EntryView = FixedBytes<kEntrySize>;
 

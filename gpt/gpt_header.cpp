@@ -10,25 +10,13 @@
 #include "frame/report/field_table.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "gpt/gpt_header_layout.h"
 #include "gpt/gpt_state.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kSignature = 0x00;    // "EFI PART"
-constexpr std::size_t kRevision = 0x08;     // four bytes
-constexpr std::size_t kHeaderSize = 0x0C;   // u32, bytes
-constexpr std::size_t kHeaderCrc = 0x10;    // u32
-constexpr std::size_t kOwnLba = 0x18;       // u64
-constexpr std::size_t kOtherLba = 0x20;     // u64: of the backup in the primary header, and the reverse
-constexpr std::size_t kFirstUsable = 0x28;  // u64
-constexpr std::size_t kLastUsable = 0x30;   // u64
-constexpr std::size_t kDiskGuid = 0x38;     // 16 bytes
-constexpr std::size_t kEntriesLba = 0x48;   // u64, first sector of the partition entry array
-constexpr std::size_t kEntryCount = 0x50;   // u32
-constexpr std::size_t kEntrySize = 0x54;    // u32, bytes
-constexpr std::size_t kEntriesCrc = 0x58;   // u32
-constexpr std::size_t kInterpreted = 0x5C;  // bytes; the rest is reserved
+using namespace gpt_header;
 
 constexpr FieldRow kMagicNumber[] = {
     {"Magic Number                : [", kSignature, Chars(8), "]"},

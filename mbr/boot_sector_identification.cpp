@@ -6,6 +6,8 @@
 // Checked: the boot code of the named releases, byte for byte, and two OEM names. Not checked: what a file
 // system says of itself otherwise, so a volume whose boot code is unknown is shown raw.
 
+#include "mbr/boot_sector_identification.h"
+
 #include <array>
 
 #include "frame/global.h"
@@ -16,11 +18,6 @@
 
 namespace trovisk {
 namespace {
-
-struct VolumeClass {
-  WideText name;
-  SectorDecoder decoder;
-};
 
 struct CodeClass {
   BootCode code;
@@ -42,7 +39,9 @@ constexpr CodeClass kByCode[] = {
     {BootCode::kExFat, {L"exFAT boot sector", DecodeExFatBootSector}},
 };
 
-VolumeClass Classify(SectorView bootSector) {
+}  // namespace
+
+VolumeClass ClassifyBootSector(SectorView bootSector) {
   for (const CodeClass& row : kByCode) {
     if (Matches(row.code, bootSector)) return row.volume;
   }
@@ -55,8 +54,6 @@ VolumeClass Classify(SectorView bootSector) {
   return {L"Unknown boot sector", DumpRawSector};
 }
 
-}  // namespace
-
 u64 IdentifyBootSector(WideText /*description*/, u64 sector, bool print) {
   std::array<u8, 512> bootSector{};
   if (!disk.Read(bootSector.data(), bootSector.size())) {
@@ -67,7 +64,7 @@ u64 IdentifyBootSector(WideText /*description*/, u64 sector, bool print) {
     errors << "Error seeking back to start of sector\n";
     return kEndPass;
   }
-  const VolumeClass volume = Classify(SectorView(bootSector));
+  const VolumeClass volume = ClassifyBootSector(SectorView(bootSector));
   return volume.decoder(volume.name, sector, print);
 }
 

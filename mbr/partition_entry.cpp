@@ -16,14 +16,9 @@
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kBootIndicator = 0x0;  // u8, 0x80: active
-constexpr std::size_t kStartChs = 0x1;       // head; sector and two cylinder bits; cylinder
+constexpr std::size_t kStartChs = 0x1;  // head; sector and two cylinder bits; cylinder
 constexpr std::size_t kEndChs = 0x5;
-constexpr std::size_t kFirstSector = 0x8;  // u32, relative to the sector that holds the table
-constexpr std::size_t kSectorCount = 0xC;  // u32
 
-constexpr u8 kActive = 0x80;
-constexpr u8 kTypeEmpty = 0x00;
 constexpr u32 kCountLarge = 0xFFFFFFFF;  // more sectors than the field can say
 
 // A kind of partition whose first sector has a decoder.

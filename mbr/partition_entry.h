@@ -10,7 +10,15 @@ namespace trovisk {
 // The table, in a master and in an extended boot record: four entries, of which an extended one uses two.
 inline constexpr std::size_t kPartitionTable = 0x1BE;
 inline constexpr std::size_t kPartitionEntrySize = 16;
-inline constexpr std::size_t kEntryType = 0x4;  // the type byte's offset in an entry
+
+// In an entry.
+inline constexpr std::size_t kBootIndicator = 0x0;  // u8
+inline constexpr std::size_t kEntryType = 0x4;      // u8
+inline constexpr std::size_t kFirstSector = 0x8;    // u32, relative to the sector that holds the table
+inline constexpr std::size_t kSectorCount = 0xC;    // u32
+
+inline constexpr u8 kActive = 0x80;
+inline constexpr u8 kTypeEmpty = 0x00;
 
 // The line above the entries of a report, with its empty lines.
 void PrintPartitionTableHeading();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "frame/report/field_notes.h"
 #include "frame/report/names.h"
 #include "frame/report/report.h"
 #include "frame/report/verbs.h"
@@ -81,7 +82,10 @@ std::string_view NameOf(u64 value, std::span<const ValueName> names) {
 void PrintFields(Bytes structure, std::span<const FieldRow> rows) {
   for (const FieldRow& row : rows) {
     report << row.label;
-    PrintField(SliceAt(structure, row.offset, row.format.length), row.format);
+    const Bytes field = SliceAt(structure, row.offset, row.format.length);
+    const u64 begin = report.Size();
+    PrintField(field, row.format);
+    if (fieldNotes != nullptr) fieldNotes->NoteField(row.label, begin, report.Size(), field);
     report << row.suffix << LineEnd;
   }
 }
