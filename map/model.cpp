@@ -6,9 +6,9 @@
 namespace trovisk {
 namespace {
 
-constexpr std::array<std::string_view, 11> kFlagNames = {
+constexpr std::array<std::string_view, 12> kFlagNames = {
     "active", "container", "overlaps",     "beyond-end",    "reversed", "empty",
-    "hybrid", "unsound",   "copy-differs", "other-reading", "damaged"};
+    "hybrid", "unsound",   "copy-differs", "other-reading", "damaged",  "other-copy"};
 
 bool IsWrong(const Check& check) {
   return check.verdict == Verdict::kBad || check.verdict == Verdict::kMissing;

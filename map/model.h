@@ -39,10 +39,11 @@ enum ExtentFlag : u32 {
   kFlagCopyDiffers = 1U << 8,   // the other copy of the table says something else here
   kFlagOtherReading = 1U << 9,  // from the report's reading of an extended chain alone, not the usual one
   kFlagDamaged = 1U << 10,      // a structure stood here, and is invalid or unreadable
+  kFlagOtherCopy = 1U << 11,    // from the copy of the GPT that the map does not follow
 };
 
 // The flag's name in all output: "active", "container", "overlaps", "beyond-end", "reversed", "empty",
-// "hybrid", "unsound", "copy-differs", "other-reading", "damaged".
+// "hybrid", "unsound", "copy-differs", "other-reading", "damaged", "other-copy".
 std::string_view NameOfFlag(ExtentFlag flag);
 // The flags' names in the order of their bits.
 std::vector<std::string_view> NamesOfFlags(u32 flags);
@@ -60,6 +61,7 @@ struct Extent {
   u64 depth = 0;              // how many extents it lies in, for indenting
   std::string id = {};        // of a GPT partition: its unique GUID in small letters
   u64 attributes = 0;         // of a GPT partition
+  u64 number = 0;             // of a partition in its table, from 1, logical ones from 5; 0: it has none
 };
 
 // "partition", "logical", "structure", "volume", "area", "gap".
@@ -75,6 +77,10 @@ struct DiskFacts {
   u64 bytes = 0;       // 0: unknown
   std::string scheme;  // "GPT", "MBR", "GPT, hybrid MBR", "none": what partitions it
   std::string id;      // the disk GUID or the MBR's disk signature ("0x1234ABCD"), for sfdisk
+  // As the header of the GPT that the map follows states them; 0: there is none.
+  u64 firstUsable = 0;  // absolute sectors
+  u64 lastUsable = 0;
+  u64 tableLength = 0;  // entries of the array
 };
 
 struct DiskMap {
