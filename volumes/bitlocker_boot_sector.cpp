@@ -9,6 +9,7 @@
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "refimages/boot_sector.h"
+#include "volumes/bitlocker_layout.h"
 
 namespace trovisk {
 namespace {
@@ -77,12 +78,12 @@ constexpr FieldRow kSevenFields[] = {
     {"Filesystem Signature                   : \"", kFat32FsType, Chars(8), "\""},
 };
 constexpr FieldRow kSevenGuid[] = {
-    {"Bitlocker GUID                         : { ", 0x0A0, kGuidText, " }"},
+    {"Bitlocker GUID                         : { ", kBitLockerGuid, kGuidText, " }"},
 };
 constexpr FieldRow kSevenMetadata[] = {
-    {"FVE Metadata Block 1 Offset (bytes)    : ", 0x0B0, kLe64},
-    {"FVE Metadata Block 2 Offset (bytes)    : ", 0x0B8, kLe64},
-    {"FVE Metadata Block 3 Offset (bytes)    : ", 0x0C0, kLe64},
+    {"FVE Metadata Block 1 Offset (bytes)    : ", kBitLockerMetadata, kLe64},
+    {"FVE Metadata Block 2 Offset (bytes)    : ", kBitLockerMetadata + 8, kLe64},
+    {"FVE Metadata Block 3 Offset (bytes)    : ", kBitLockerMetadata + 16, kLe64},
 };
 
 static_assert(FieldsFit(kCommon, 512) && FieldsFit(kEnd, 512) && FieldsFit(kVistaBeforeMftEntrySize, 512) &&

@@ -9,43 +9,28 @@
 #include "frame/sector.h"
 #include "refimages/boot_sector.h"
 #include "refimages/catalogue.h"
+#include "volumes/exfat_layout.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kPartitionOffset = 0x040;    // u64, sectors
-constexpr std::size_t kVolumeLength = 0x048;       // u64, sectors
-constexpr std::size_t kFatOffset = 0x050;          // u32, sectors
-constexpr std::size_t kFatLength = 0x054;          // u32, sectors
-constexpr std::size_t kClusterHeapOffset = 0x058;  // u32, sectors
-constexpr std::size_t kClusterCount = 0x05C;       // u32
-constexpr std::size_t kRootCluster = 0x060;        // u32
-constexpr std::size_t kSerialNumber = 0x064;       // 4 bytes
-constexpr std::size_t kRevisionMinor = 0x068;      // u8
-constexpr std::size_t kRevisionMajor = 0x069;      // u8
-constexpr std::size_t kVolumeFlags = 0x06A;        // u16, of which the low four bits have a meaning
-constexpr std::size_t kSectorShift = 0x06C;        // u8, bytes per sector as a power of 2
-constexpr std::size_t kClusterShift = 0x06D;       // u8, sectors per cluster as a power of 2
-constexpr std::size_t kFatCount = 0x06E;           // u8
-constexpr std::size_t kDriveSelect = 0x06F;        // u8
-constexpr std::size_t kPercentInUse = 0x070;       // u8, 0xFF: unknown
 constexpr std::size_t kMessages = 0x16C;
 constexpr std::size_t kMessageOffsets = 0x1FB;  // u8 each: low byte of the offset of messages 1 to 3
 
 constexpr FieldRow kExtentFields[] = {
-    {"Partition Offset          : ", kPartitionOffset, kLe64, " (sectors)"},
-    {"Volume Length             : ", kVolumeLength, kLe64, " (sectors)"},
-    {"FAT Offset                : ", kFatOffset, kLe32, " (sectors)"},
-    {"FAT Length                : ", kFatLength, kLe32, " (sectors)"},
-    {"Cluster Heap Offset       : ", kClusterHeapOffset, kLe32, " (sectors)"},
-    {"Cluster Count             : ", kClusterCount, kLe32},
-    {"Root Directory Cluster    : ", kRootCluster, kLe32},
-    {"Volume Serial Number      : ", kSerialNumber, HexBytes(4)},
+    {"Partition Offset          : ", kExFatPartitionOffset, kLe64, " (sectors)"},
+    {"Volume Length             : ", kExFatVolumeLength, kLe64, " (sectors)"},
+    {"FAT Offset                : ", kExFatFatOffset, kLe32, " (sectors)"},
+    {"FAT Length                : ", kExFatFatLength, kLe32, " (sectors)"},
+    {"Cluster Heap Offset       : ", kExFatClusterHeapOffset, kLe32, " (sectors)"},
+    {"Cluster Count             : ", kExFatClusterCount, kLe32},
+    {"Root Directory Cluster    : ", kExFatRootCluster, kLe32},
+    {"Volume Serial Number      : ", kExFatSerialNumber, HexBytes(4)},
 };
 constexpr FieldRow kDriveFields[] = {
-    {"Number of FATs            : ", kFatCount, kU8},
-    {"Drive Select              : 0x", kDriveSelect, HexBytes(1), " (Extended INT 13H drive number)"},
-    {"Percent In Use            : ", kPercentInUse, kU8},
+    {"Number of FATs            : ", kExFatFatCount, kU8},
+    {"Drive Select              : 0x", kExFatDriveSelect, HexBytes(1), " (Extended INT 13H drive number)"},
+    {"Percent In Use            : ", kExFatPercentInUse, kU8},
 };
 static_assert(FieldsFit(kExtentFields, 512) && FieldsFit(kDriveFields, 512));
 
@@ -93,14 +78,14 @@ void PrintReport(SectorView boot) {
   report << LineEnd;
   PrintFields(boot, kExtentFields);
   report << "File System Revision      : ";
-  PrintTwoDigits(U8<kRevisionMajor>(boot));
+  PrintTwoDigits(U8<kExFatRevisionMajor>(boot));
   report << ".";
-  PrintTwoDigits(U8<kRevisionMinor>(boot));
+  PrintTwoDigits(U8<kExFatRevisionMinor>(boot));
   report << LineEnd << LineEnd;
 
-  PrintVolumeFlags(Le16<kVolumeFlags>(boot));
-  report << "Bytes / Sector            : " << (u32{1} << (U8<kSectorShift>(boot) % 32)) << LineEnd;
-  report << "Sectors / Cluster         : " << (u32{1} << (U8<kClusterShift>(boot) % 32)) << LineEnd;
+  PrintVolumeFlags(Le16<kExFatVolumeFlags>(boot));
+  report << "Bytes / Sector            : " << (u32{1} << (U8<kExFatSectorShift>(boot) % 32)) << LineEnd;
+  report << "Sectors / Cluster         : " << (u32{1} << (U8<kExFatClusterShift>(boot) % 32)) << LineEnd;
   PrintFields(boot, kDriveFields);
 
   PrintCodeSection("Windows exFAT Bootstrap Code", StretchOf(BootCode::kExFat, boot));

@@ -10,49 +10,33 @@
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "refimages/boot_sector.h"
+#include "volumes/refs_layout.h"
 #include "volumes/volumes_state.h"
 
 namespace trovisk {
 namespace {
 
-// The jump's three bytes are zero: the volume does not boot. The name is "ReFS" in the OEM name's place.
-constexpr std::size_t kIdentifier = 0x010;         // 4 bytes, "FSRS"
-constexpr std::size_t kHeaderSize = 0x014;         // u16, bytes
-constexpr std::size_t kChecksum = 0x016;           // u16
-constexpr std::size_t kSectorCount = 0x018;        // u64, of the volume
-constexpr std::size_t kSectorSize = 0x020;         // u32, bytes
-constexpr std::size_t kSectorsPerCluster = 0x024;  // u32
-constexpr std::size_t kVersionMajor = 0x028;       // u8
-constexpr std::size_t kVersionMinor = 0x029;       // u8
-constexpr std::size_t kUnknown1 = 0x02A;           // u16
-constexpr std::size_t kUnknown2 = 0x02C;           // u32
-constexpr std::size_t kUnknown3 = 0x030;           // u64
-constexpr std::size_t kSerialNumber = 0x038;       // 8 bytes
-constexpr std::size_t kContainerSize = 0x040;      // u64, bytes
-constexpr std::size_t kGuid = 0x048;               // 16 bytes
-
-constexpr u64 kSuperblockCluster = 30;
 constexpr u8 kFirstVersionWithSuperblock = 3;  // that the superblock decoder understands
 
 constexpr FieldRow kVolumeFields[] = {
     {"Jmp                   : ", kJump, HexBytes(3), " (Zeroes until ReFS boot is supported)"},
     {"FS Name               : [ ", kOemName, Chars(8), " ]"},
-    {"Identifier            : '", kIdentifier, Chars(4), "'"},
-    {"Partition Header Size : ", kHeaderSize, kLe16, " bytes"},
-    {"Checksum              : 0x", kChecksum, ReversedHexBytes(2)},
-    {"Sector Count          : ", kSectorCount, kLe64},
-    {"Sector Size           : ", kSectorSize, kLe32, " bytes"},
-    {"Sectors / Cluster     : ", kSectorsPerCluster, kLe32},
+    {"Identifier            : '", kReFsIdentifier, Chars(4), "'"},
+    {"Partition Header Size : ", kReFsHeaderSize, kLe16, " bytes"},
+    {"Checksum              : 0x", kReFsChecksum, ReversedHexBytes(2)},
+    {"Sector Count          : ", kReFsSectorCount, kLe64},
+    {"Sector Size           : ", kReFsSectorSize, kLe32, " bytes"},
+    {"Sectors / Cluster     : ", kReFsSectorsPerCluster, kLe32},
 };
 // Shown for the backup only.
 constexpr FieldRow kUnknownFields[] = {
-    {"Unknown #1            : 0x", kUnknown1, ReversedHexBytes(2)},
-    {"Unknown #2            : 0x", kUnknown2, ReversedHexBytes(4)},
-    {"Unknown #3            : 0x", kUnknown3, ReversedHexBytes(8)},
+    {"Unknown #1            : 0x", kReFsUnknown1, ReversedHexBytes(2)},
+    {"Unknown #2            : 0x", kReFsUnknown2, ReversedHexBytes(4)},
+    {"Unknown #3            : 0x", kReFsUnknown3, ReversedHexBytes(8)},
 };
 constexpr FieldRow kIdentityFields[] = {
-    {"Volume Serial Number  : 0x", kSerialNumber, VolumeSerial(8)},
-    {"Bytes / Container     : ", kContainerSize, kLe64},
+    {"Volume Serial Number  : 0x", kReFsSerialNumber, VolumeSerial(8)},
+    {"Bytes / Container     : ", kReFsContainerSize, kLe64},
 };
 constexpr FieldRow kEnd[] = {
     {"End Sector Mark       : 0x", kEndMark, ReversedHexBytes(2)},
@@ -66,12 +50,12 @@ void PrintReport(SectorView boot, Copy copy) {
   report << LineEnd;
   PrintHeading(copy == Copy::kPrimary ? "ReFS Volume Boot Record" : "ReFS Backup Volume Boot Record");
   PrintFields(boot, kVolumeFields);
-  report << "ReFS Version          : " << U8<kVersionMajor>(boot) << "." << U8<kVersionMinor>(boot)
+  report << "ReFS Version          : " << U8<kReFsVersionMajor>(boot) << "." << U8<kReFsVersionMinor>(boot)
          << LineEnd;
   if (copy == Copy::kBackup) PrintFields(boot, kUnknownFields);
   PrintFields(boot, kIdentityFields);
 
-  const auto guid = Part<kGuid, 16>(boot);
+  const auto guid = Part<kReFsGuid, 16>(boot);
   report << "FS GUID               : ";
   PrintHexBytes(guid);
   report << " {";
@@ -84,11 +68,11 @@ void PrintReport(SectorView boot, Copy copy) {
 void Register(SectorView boot, WideText description, u64 sector) {
   // The sector itself, where whoever handed it over has not registered it.
   AddTocEntry(disk, sector, DecodeReFsBackupBootRecord, description);
-  AddTocEntry(disk, sector + Le64<kSectorCount>(boot) - 1, DecodeReFsBackupBootRecord,
+  AddTocEntry(disk, sector + Le64<kReFsSectorCount>(boot) - 1, DecodeReFsBackupBootRecord,
               L"Backup ReFS Volume Boot Record");
-  if (U8<kVersionMajor>(boot) < kFirstVersionWithSuperblock) return;
-  AddTocEntry(disk, sector + kSuperblockCluster * Le32<kSectorsPerCluster>(boot), DecodeReFsSuperblock,
-              L"ReFS SUPB Sector");
+  if (U8<kReFsVersionMajor>(boot) < kFirstVersionWithSuperblock) return;
+  AddTocEntry(disk, sector + kReFsSuperblockCluster * Le32<kReFsSectorsPerCluster>(boot),
+              DecodeReFsSuperblock, L"ReFS SUPB Sector");
 }
 
 }  // namespace
@@ -98,7 +82,7 @@ u64 DecodeReFsBootRecord(WideText description, u64 sector, bool print) {
   if (!record) return kEndPass;
   const SectorView boot(*record);
   if (print) PrintReport(boot, Copy::kPrimary);
-  refsVolume = {.volumeSector = sector, .sectorsPerCluster = Le32<kSectorsPerCluster>(boot)};
+  refsVolume = {.volumeSector = sector, .sectorsPerCluster = Le32<kReFsSectorsPerCluster>(boot)};
   if (!SeekToSector(sector)) return kEndPass;
   Register(boot, description, sector);
   return DumpRawSector(kAsRawSector, sector, print);
