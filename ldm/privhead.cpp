@@ -10,34 +10,12 @@
 #include "frame/report/report.h"
 #include "frame/sector.h"
 #include "ldm/ldm_state.h"
+#include "ldm/privhead_layout.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kSignature = 0x000;  // "PRIVHEAD"
-constexpr std::size_t kSequence = 0x008;   // u32
-constexpr std::size_t kMajorVersion = 0x00C;
-constexpr std::size_t kMinorVersion = 0x00E;
-constexpr std::size_t kTimestamp = 0x010;   // FILETIME
-constexpr std::size_t kAlternate1 = 0x020;  // u64, relative to the configuration start
-constexpr std::size_t kAlternate2 = 0x028;
-constexpr std::size_t kDiskId = 0x030;     // 64 bytes of text
-constexpr std::size_t kHostId = 0x070;     // 64 bytes of text
-constexpr std::size_t kGroupId = 0x0B0;    // 64 bytes of text
-constexpr std::size_t kGroupName = 0x0F0;  // 32 bytes of text
-constexpr std::size_t kLogicalStart = 0x11B;
-constexpr std::size_t kLogicalEnd = 0x123;
-constexpr std::size_t kConfigStart = 0x12B;  // u64, absolute
-constexpr std::size_t kConfigSize = 0x133;
-constexpr std::size_t kTocCount = 0x13B;
-constexpr std::size_t kTocSize = 0x143;      // u64, sectors
-constexpr std::size_t kConfigCount = 0x14B;  // u32
-constexpr std::size_t kLogCount = 0x14F;     // u32
-constexpr std::size_t kConfigRegionSize = 0x153;
-constexpr std::size_t kLogRegionSize = 0x15B;
-constexpr std::size_t kDiskSignature = 0x163;  // 4 bytes
-constexpr std::size_t kDiskSetId = 0x167;      // 16 bytes in the order in which they are shown
-constexpr std::size_t kDiskSetIdCopy = 0x177;
+using namespace privhead;
 
 constexpr FieldRow kFields[] = {
     {"Magic Number               : [", kSignature, Chars(8), "]"},

@@ -9,23 +9,12 @@
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "ldm/ldm_state.h"
+#include "ldm/tocblock_layout.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kSignature = 0;  // "TOCBLOCK"
-constexpr std::size_t kSequence1 = 8;  // u32
-constexpr std::size_t kSequence2 = 16;
-constexpr std::size_t kConfigName = 36;   // 8 bytes of text
-constexpr std::size_t kConfigFlags = 44;  // 2 bytes
-constexpr std::size_t kConfigStart = 46;  // u64
-constexpr std::size_t kConfigSize = 54;   // u64, sectors
-constexpr std::size_t kConfigNumber = 62;
-constexpr std::size_t kLogName = 70;  // the same fields for the log region
-constexpr std::size_t kLogFlags = 78;
-constexpr std::size_t kLogStart = 80;
-constexpr std::size_t kLogSize = 88;
-constexpr std::size_t kLogNumber = 96;
+using namespace tocblock;
 
 constexpr FieldRow kSequenceRows[] = {
     {"Magic Number               : [", kSignature, Chars(8), "]"},

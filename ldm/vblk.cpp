@@ -12,24 +12,13 @@
 #include "frame/sector.h"
 #include "ldm/ldm_state.h"
 #include "ldm/vblk_fields.h"
+#include "ldm/vblk_layout.h"
 #include "ldm/vblk_records.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kSlotSize = 128;
-constexpr std::size_t kSlotCount = 4;
-
-constexpr std::size_t kSignature = 0;      // "VBLK"
-constexpr std::size_t kSequence = 4;       // u32
-constexpr std::size_t kGroup = 8;          // u32
-constexpr std::size_t kRecordNumber = 12;  // u16, from 0
-constexpr std::size_t kRecordCount = 14;   // u16, slots of the record
-constexpr std::size_t kUpdateStatus = 16;  // u16
-constexpr std::size_t kFlags = 18;         // u8
-constexpr std::size_t kType = 19;          // u8, zero: an empty slot
-constexpr std::size_t kDataLength = 20;    // u32
-constexpr std::size_t kData = 24;
+using namespace vblk;
 
 using SlotView = FixedBytes<kSlotSize>;
 

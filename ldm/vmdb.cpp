@@ -8,30 +8,12 @@
 #include "frame/report/field_table.h"
 #include "frame/report/report.h"
 #include "frame/sector.h"
+#include "ldm/vmdb_layout.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kSignature = 0;  // "VMDB"
-constexpr std::size_t kSequence = 4;   // u32
-constexpr std::size_t kVblkSize = 8;   // u32, bytes; the report's label says sectors
-constexpr std::size_t kVblkOffset = 12;
-constexpr std::size_t kUpdateStatus = 16;  // u16
-constexpr std::size_t kMajorVersion = 18;
-constexpr std::size_t kMinorVersion = 20;
-constexpr std::size_t kGroupName = 22;  // 31 bytes of text
-constexpr std::size_t kGroupId = 53;    // 64 bytes of text
-constexpr std::size_t kCommittedSequence = 117;
-constexpr std::size_t kPendingSequence = 125;
-constexpr std::size_t kCommittedVolumes = 133;  // u32 each
-constexpr std::size_t kCommittedComponents = 137;
-constexpr std::size_t kCommittedPartitions = 141;
-constexpr std::size_t kCommittedDisks = 145;
-constexpr std::size_t kPendingVolumes = 161;
-constexpr std::size_t kPendingComponents = 165;
-constexpr std::size_t kPendingPartitions = 169;
-constexpr std::size_t kPendingDisks = 173;
-constexpr std::size_t kLastAccess = 189;  // FILETIME
+using namespace vmdb;
 
 constexpr ValueName kUpdateStatuses[] = {
     {1, "[Consistent]"},

@@ -7,18 +7,13 @@
 #include "frame/report/field_table.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "spaces/dpom_layout.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kRecordSize = 224;
-
-constexpr std::size_t kSignature = 0x00;      // "DPOM"
-constexpr std::size_t kDataSize = 0x04;       // u32
-constexpr std::size_t kUnnamedWords = 0x08;   // nine u32
-constexpr std::size_t kDiskGuid = 0x2C;       // GUID
-constexpr std::size_t kPartitionGuid = 0x3C;  // GUID
+using namespace dpom;
 
 constexpr FieldRow kSignatureAndSize[] = {
     {"Magic Number                      : [", kSignature, Chars(4), "]"},

@@ -12,20 +12,13 @@
 #include "frame/report/field_table.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "spaces/sdbb_layout.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kRecordSize = 64;
-constexpr std::size_t kRecords = 8;
-
-constexpr std::size_t kSignature = 0x00;   // "SDBB"
-constexpr std::size_t kIdentifier = 0x04;  // 4 bytes
-constexpr std::size_t kParent = 0x08;      // 4 bytes, the identifier itself: no parent
-constexpr std::size_t kPartIndex = 0x0C;   // u16, from 0
-constexpr std::size_t kPartCount = 0x0E;   // u16, 0: an empty record
-constexpr std::size_t kEntryType = 0x10;   // 2 bytes, of the entry's first part
+using namespace sdbb;
 
 constexpr FieldRow kHeading[] = {
     {"SDBB : 0x", kIdentifier, HexBytes(4)},

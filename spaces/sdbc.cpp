@@ -8,28 +8,14 @@
 #include "frame/report/field_table.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "spaces/pool_types.h"
+#include "spaces/sdbc_layout.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kSignature = 0x00;         // "SDBC" and four blanks
-constexpr std::size_t kRevision = 0x08;          // 4 bytes
-constexpr std::size_t kCrc32 = 0x0C;             // 4 bytes
-constexpr std::size_t kSpaceportGuid = 0x10;     // 16 bytes, in the order in which they are printed
-constexpr std::size_t kUnknown20 = 0x20;         // 8 bytes
-constexpr std::size_t kUnknown28 = 0x28;         // 3 bytes
-constexpr std::size_t kPoolType = 0x2B;          // u8
-constexpr std::size_t kUnknown2C = 0x2C;         // 4 bytes
-constexpr std::size_t kUnknown30 = 0x30;         // 8 bytes
-constexpr std::size_t kLastTransaction1 = 0x38;  // 8 bytes
-constexpr std::size_t kLastTransaction2 = 0x40;  // 8 bytes
-constexpr std::size_t kTimeStamp = 0x48;         // u64, FILETIME
-
-constexpr ValueName kPoolTypes[] = {
-    {0x1B, "Unallocated"},    {0x1C, "Simple"}, {0x20, "Simple"}, {0x23, "Two-Way Mirror"},
-    {0x29, "Two-Way Mirror"}, {0x2A, "Parity"}, {0x2D, "Parity"}, {0x33, "Three-Way Mirror"},
-};
+using namespace sdbc;
 
 constexpr FieldRow kMagicNumber[] = {
     {"Magic Number                : [", kSignature, Chars(8), "]"},

@@ -10,25 +10,13 @@
 #include "frame/report/filetime.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "spaces/spacedb_layout.h"
 #include "spaces/verbs.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kSignature = 0x00;    // "SPACEDB "
-constexpr std::size_t kRevision = 0x08;     // 4 bytes
-constexpr std::size_t kCrc32 = 0x0C;        // 4 bytes
-constexpr std::size_t kUnknown10 = 0x10;    // 8 bytes
-constexpr std::size_t kFileTime = 0x18;     // u64, FILETIME
-constexpr std::size_t kStorageGuid = 0x20;  // 16 bytes, in the order in which they are printed
-constexpr std::size_t kSpaceDbGuid = 0x30;  // 16 bytes, likewise
-constexpr std::size_t kNumber = 0x40;       // u64, little-endian
-constexpr std::size_t kZeroes = 0x48;       // 8 bytes
-constexpr std::size_t kUnknown50 = 0x50;    // 8 bytes
-constexpr std::size_t kTimeStamp = 0x58;    // u64, FILETIME; 0: none
-
-// From this sector to the SDBC, whatever the sector size.
-constexpr u64 kSectorsToSdbc = 8;
+using namespace spacedb;
 
 constexpr FieldRow kMagicNumber[] = {
     {"Magic Number                : [", kSignature, Chars(8), "]"},
