@@ -1,0 +1,59 @@
+// What the examinations of volumes share: positions in bytes from the volume's start, since its own sectors
+// may be larger or smaller than the disk's.
+
+#ifndef TROVISK_FRAME_EXAMINE_VOLUME_H
+#define TROVISK_FRAME_EXAMINE_VOLUME_H
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/examination.h"
+
+namespace trovisk {
+
+// The product, or none where it does not fit.
+std::optional<u64> Product(u64 left, u64 right);
+
+// How many sectors of the disk so many bytes take, the last one perhaps in part.
+u64 DiskSectors(u64 bytes);
+
+// The sectors of the disk that a volume there can take: those of the partition, where none says those to the
+// end of the disk. None where that is unknown too.
+std::optional<u64> SectorsAt(const VolumePlace& place);
+
+// The bytes from an offset of the volume on, at most 1 MiB. None where they cannot be read as a whole; what
+// lies beyond the end of the disk is not tried.
+std::optional<std::vector<u8>> ReadVolumeBytes(const VolumePlace& place, u64 offset, u64 count);
+
+// The 512 bytes of a boot sector or another record there.
+std::optional<std::array<u8, 512>> ReadVolumeRecord(const VolumePlace& place, u64 offset);
+
+// The sector of the disk in which an offset of the volume lies; all ones where there is none.
+u64 DiskSectorAt(const VolumePlace& place, u64 offset);
+
+// Adds the area of so many bytes of the volume; nothing where it is empty or lies where no sector can be.
+void AddArea(VolumeFindings& findings, const VolumePlace& place, std::string_view name, u64 offset,
+             u64 bytes);
+
+// The end mark of a boot sector.
+Check CheckBootEndMark(u64 sector, std::string_view name, SectorView boot);
+
+// The volume's length against what holds it: volume and most in sectors of the disk.
+Check CheckVolumeSize(u64 sector, std::string_view name, u64 volume, std::optional<u64> most);
+
+// A copy of a boot sector against the sector itself; says where the first difference is. missing copy: it
+// cannot be read.
+Check CheckCopy(u64 sector, std::string_view name, Bytes original, std::optional<Bytes> copy);
+
+// A check of something that cannot be read.
+Check Unreadable(u64 sector, std::string_view name, std::string_view expected);
+
+// A check that is not made, and why.
+Check NotChecked(u64 sector, std::string_view name, std::string_view why);
+
+}  // namespace trovisk
+
+#endif

@@ -1,0 +1,73 @@
+// The kinds of volumes that have a decoder, told by their boot sectors.
+//
+// What tells each of them stands with its examination, in its structure's folder.
+
+#include "map/volume_kind.h"
+
+#include "frame/examine_volume.h"
+#include "frame/global.h"
+#include "mbr/examine_fat.h"
+#include "volumes/examinations.h"
+
+namespace trovisk {
+namespace {
+
+struct KindRow {
+  VolumeKind kind;
+  bool (*tells)(SectorView boot);
+  VolumeFindings (*examine)(const VolumePlace& place);
+};
+
+// The first that fits counts: what has a name of its own before what is told by its fields alone.
+constexpr KindRow kKinds[] = {
+    {VolumeKind::kNtfs, IsNtfsBootSector, ExamineNtfs},
+    {VolumeKind::kExFat, IsExFatBootSector, ExamineExFat},
+    {VolumeKind::kReFs, IsReFsBootRecord, ExamineReFs},
+    {VolumeKind::kBitLocker, IsBitLockerBootSector, ExamineBitLocker},
+    {VolumeKind::kBitLockerToGo, IsBitLockerToGoBootSector, ExamineBitLocker},
+    {VolumeKind::kFat, IsFatBootSector, ExamineFat},
+};
+
+// Where a volume of the kind keeps its backup; other kinds found there are not believed.
+bool IsAt(const VolumePlace& place, u64 bytes, VolumeKind kind) {
+  const auto boot = ReadVolumeRecord(place, bytes);
+  return boot && KindOfBootSector(SectorView(*boot)) == kind;
+}
+
+constexpr u64 kExFatBackupSector = 12;
+constexpr u64 kFat32BackupSector = 6;
+
+}  // namespace
+
+VolumeKind KindOfBootSector(SectorView boot) {
+  for (const KindRow& row : kKinds) {
+    if (row.tells(boot)) return row.kind;
+  }
+  return VolumeKind::kNone;
+}
+
+VolumeKind KindByBackup(const VolumePlace& place) {
+  // In the volume's own sectors, which may be larger than the disk's.
+  for (const u64 size : {512U, 1024U, 2048U, 4096U}) {
+    if (IsAt(place, kFat32BackupSector * size, VolumeKind::kFat)) return VolumeKind::kFat;
+    if (IsAt(place, kExFatBackupSector * size, VolumeKind::kExFat)) return VolumeKind::kExFat;
+  }
+  const auto sectors = SectorsAt(place);
+  const auto end = sectors ? Product(*sectors, disk.bytesPerSector) : std::nullopt;
+  if (!end) return VolumeKind::kNone;
+  for (const u64 size : {512U, 1024U, 2048U, 4096U}) {
+    if (size < disk.bytesPerSector || *end < size) continue;
+    if (IsAt(place, *end - size, VolumeKind::kNtfs)) return VolumeKind::kNtfs;
+    if (IsAt(place, *end - size, VolumeKind::kReFs)) return VolumeKind::kReFs;
+  }
+  return VolumeKind::kNone;
+}
+
+VolumeFindings ExamineVolume(VolumeKind kind, const VolumePlace& place) {
+  for (const KindRow& row : kKinds) {
+    if (row.kind == kind) return row.examine(place);
+  }
+  return {};
+}
+
+}  // namespace trovisk
