@@ -87,6 +87,27 @@ std::string SafeUtf16(Bytes units) {
   return text;
 }
 
+std::string SafeUtf8(std::string_view text) {
+  const Bytes bytes(reinterpret_cast<const u8*>(text.data()), text.size());  // NOLINT(*-reinterpret-cast)
+  std::string safe;
+  for (std::size_t position = 0; position < bytes.size();) {
+    const u8 lead = bytes[position++];
+    if (lead == 0) break;
+    const std::size_t more = lead < 0x80 ? 0U : lead < 0xC0 ? 4U : lead < 0xE0 ? 1U : lead < 0xF0 ? 2U : 3U;
+    constexpr std::array<char32_t, 4> kSmallest = {0, 0x80, 0x800, 0x10000};
+    char32_t character = more == 0 ? lead : more == 4 ? U'\uFFFF' : lead & (0x3FU >> more);
+    bool whole = more < 4;
+    for (std::size_t i = 0; whole && i < more; ++i) {
+      whole = position < bytes.size() && (bytes[position] & 0xC0) == 0x80;
+      if (whole) character = character << 6 | (bytes[position++] & 0x3F);
+    }
+    whole =
+        whole && character >= kSmallest.at(more) && character < 0x110000 && (character & 0x1FF800) != 0xD800;
+    AppendUtf8(safe, !whole || IsUnsafe(character) ? U'?' : character);
+  }
+  return safe;
+}
+
 std::string SafeAscii(Bytes characters) {
   std::string text;
   for (const u8 byte : characters) {

@@ -68,6 +68,8 @@ std::string Hex32(u64 value);
 // Text of the disk as UTF-8 that is safe to show: '?' for control characters, for what overrides the
 // direction of text and for what is no character; it ends at the first NUL. units: UTF-16, little-endian.
 std::string SafeUtf16(Bytes units);
+// The same for text that claims to be UTF-8 already.
+std::string SafeUtf8(std::string_view text);
 // The same for text of one byte a character: '?' for what is no printable ASCII; without blanks at its end.
 std::string SafeAscii(Bytes characters);
 

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <sstream>
 #include <string>
 
 #include "frame/decoders.h"
+#include "frame/disk_path.h"
 #include "frame/global.h"
 #include "frame/help.h"
 #include "frame/progress.h"
@@ -30,20 +30,6 @@ struct Request {
 
 bool IsNegative(u64 position) {
   return static_cast<i64>(position) < 0;
-}
-
-// The disk argument behind the path prefix, unparsed. Where it does not convert, the text that is shown has
-// one '?' for every byte of it.
-std::wstring DiskPath(const char* argument) {
-  const std::size_t bytes = std::strlen(argument);
-  std::wstring wide(bytes, L'\0');
-  const std::size_t count = std::mbstowcs(wide.data(), argument, bytes);
-  if (count == static_cast<std::size_t>(-1)) {
-    wide.assign(bytes, L'?');
-  } else {
-    wide.resize(count);
-  }
-  return L"\\\\.\\PhysicalDrive" + wide;
 }
 
 // A signed decimal number at the start of the text; 0 where there is none, the nearest limit where it is too

@@ -71,7 +71,7 @@ std::string_view NameOfKind(ExtentKind kind);
 std::string_view NameOfVerdict(Verdict verdict);
 
 struct DiskFacts {
-  std::string path;  // as the report shows it, UTF-8
+  std::string path;  // the disk argument, UTF-8, safe to show
   u32 sectorSize = 0;
   u64 sectors = 0;     // 0: unknown
   u64 bytes = 0;       // 0: unknown

@@ -97,31 +97,37 @@ bool LooksLikeExtendedRecord(Bytes record) {
   return EndMarkStands(record) && IndicatorsArePlausible(record);
 }
 
+ExtendedRecord ReadExtendedRecord(u64 sector) {
+  ExtendedRecord record;
+  record.sector = sector;
+  const auto bytes = ReadTable(sector);
+  record.readable = bytes.has_value();
+  record.endMark = bytes && EndMarkStands(*bytes);
+  record.plausible = bytes && LooksLikeExtendedRecord(*bytes);
+  for (unsigned entry = 1; record.endMark && entry <= kEntries; ++entry) {
+    const MbrPartition partition = PartitionOf(*bytes, entry, sector);
+    if (partition.count == 0 || partition.type == kTypeEmpty) continue;
+    if (IsExtendedType(partition.type)) {
+      if (!record.link) record.link = partition.first - sector;
+    } else if (!record.logical) {
+      record.logical = partition;
+    }
+  }
+  return record;
+}
+
 ChainEnd WalkExtended(const MbrPartition& outermost, u64 mostRecords,
                       const std::function<void(const ExtendedRecord&)>& visit) {
   SectorToc seen;
   u64 sector = outermost.first;
   for (u64 records = 0; records < mostRecords; ++records) {
     seen.Add(sector, sector, nullptr, L"");
-    ExtendedRecord record{.sector = sector, .logical = {}};
-    const auto bytes = ReadTable(sector);
-    record.readable = bytes.has_value();
-    record.endMark = bytes && EndMarkStands(*bytes);
-    std::optional<u64> link;
-    for (unsigned entry = 1; record.endMark && entry <= kEntries; ++entry) {
-      const MbrPartition partition = PartitionOf(*bytes, entry, sector);
-      if (partition.count == 0 || partition.type == kTypeEmpty) continue;
-      if (IsExtendedType(partition.type)) {
-        if (!link) link = outermost.first + (partition.first - sector);
-      } else if (!record.logical) {
-        record.logical = partition;
-      }
-    }
+    const ExtendedRecord record = ReadExtendedRecord(sector);
     visit(record);
     if (!record.endMark) return ChainEnd::kBroken;
-    if (!link) return ChainEnd::kRegular;
-    if (seen.At(*link)) return ChainEnd::kCircle;
-    sector = *link;
+    if (!record.link) return ChainEnd::kRegular;
+    sector = outermost.first + *record.link;
+    if (seen.At(sector)) return ChainEnd::kCircle;
   }
   return ChainEnd::kTooLong;
 }

@@ -46,8 +46,13 @@ struct ExtendedRecord {
   u64 sector = 0;  // absolute
   bool readable = false;
   bool endMark = false;
+  bool plausible = false;  // it can be an extended boot record: end mark, boot indicators
   std::optional<MbrPartition> logical;
+  std::optional<u64> link;  // to the next record: sectors from the start of the outermost extended partition
 };
+
+// The record in a sector, of whose entries the first of either kind counts.
+ExtendedRecord ReadExtendedRecord(u64 sector);
 
 // Whether the 512 bytes can be an extended boot record: end mark, boot indicators.
 bool LooksLikeExtendedRecord(Bytes record);

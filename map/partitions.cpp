@@ -1,0 +1,128 @@
+#include "map/partitions.h"
+
+#include "frame/report/names.h"
+#include "frame/report/verbs.h"
+#include "map/volume_kind.h"
+
+namespace trovisk {
+namespace {
+
+// A chain may be as long as it likes; somebody waits.
+constexpr u64 kMostRecords = u64{1} << 20;
+
+std::string HexByte(u8 value) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text = "0x";
+  text += kDigits[value >> 4U];
+  text += kDigits[value & 0xFU];
+  return text;
+}
+
+Extent ExtentOf(const MbrPartition& partition, ExtentKind kind) {
+  Extent extent{.first = partition.first, .last = partition.first, .kind = kind};
+  if (partition.count == 0) {
+    extent.flags |= kFlagEmpty;
+  } else {
+    extent.last = partition.first + partition.count - 1;
+  }
+  if (partition.indicator == 0x80) extent.flags |= kFlagActive;
+  extent.type = HexByte(partition.type);
+  extent.typeName = ToNarrow(PartitionTypeName(partition.type));
+  return extent;
+}
+
+void ReadExtended(PartitionTables& tables, const MbrPartition& outermost) {
+  u64 logical = 0;
+  std::optional<ExtendedRecord> wrong;
+  const ChainEnd end = WalkExtended(outermost, kMostRecords, [&](const ExtendedRecord& record) {
+    tables.extendedRecords.Add(record.sector, record.sector, nullptr, L"");
+    if (!record.endMark) wrong = record;
+    if (logical >= kMostLogical) {
+      if (record.logical) ++logical;
+      return;
+    }
+    tables.structures.push_back({.first = record.sector,
+                                 .last = record.sector,
+                                 .kind = ExtentKind::kStructure,
+                                 .flags = record.endMark ? 0U : u32{kFlagDamaged},
+                                 .typeName = "extended boot record",
+                                 .source = "extended partition"});
+    if (!record.logical) return;
+    Extent extent = ExtentOf(*record.logical, ExtentKind::kLogical);
+    extent.number = 5 + logical++;
+    extent.source = "EBR at sector " + std::to_string(record.sector);
+    tables.partitions.push_back(std::move(extent));
+  });
+  Check check{outermost.first, "extended boot records lead to an end", Verdict::kGood,
+              std::to_string(logical) + " logical partitions", "every record readable, with its end mark"};
+  if (wrong) {
+    check.sector = wrong->sector;
+    check.verdict = wrong->readable ? Verdict::kBad : Verdict::kMissing;
+    check.found = wrong->readable ? "no end mark" : "unreadable";
+  } else if (end == ChainEnd::kCircle) {
+    check.verdict = Verdict::kBad;
+    check.found = "the links form a circle";
+  } else if (end == ChainEnd::kTooLong) {
+    check.verdict = Verdict::kNotChecked;
+    check.found = "more than " + std::to_string(kMostRecords) + " records";
+  }
+  tables.checks.push_back(std::move(check));
+  if (logical > kMostLogical) {
+    tables.cut.push_back("Of " + std::to_string(logical) + " logical partitions the first " +
+                         std::to_string(kMostLogical) + " are shown.");
+  }
+}
+
+void ReadMbrTable(PartitionTables& tables) {
+  const MasterBootRecord& mbr = tables.mbr;
+  tables.structures.push_back({.first = 0,
+                               .last = 0,
+                               .kind = ExtentKind::kStructure,
+                               .flags = mbr.readable ? 0U : u32{kFlagDamaged},
+                               .typeName = "master boot record",
+                               .source = "sector 0"});
+  for (const MbrPartition& partition : mbr.partitions) {
+    Extent extent = ExtentOf(partition, ExtentKind::kPartition);
+    extent.number = partition.entry;
+    extent.source = "MBR entry " + std::to_string(partition.entry);
+    if (IsExtendedType(partition.type) || partition.type == kTypeProtective) extent.flags |= kFlagContainer;
+    tables.partitions.push_back(std::move(extent));
+  }
+  for (const MbrPartition& partition : mbr.partitions) {
+    if (IsExtendedType(partition.type) && partition.count != 0) ReadExtended(tables, partition);
+  }
+}
+
+bool IsBareVolume(const MasterBootRecord& mbr) {
+  if (!mbr.readable || (mbr.plausible && !mbr.partitions.empty())) return false;
+  const auto sector = ReadSectors(0, 1);
+  return sector && sector->size() >= 512 &&
+         KindOfBootSector(SectorView(Bytes(*sector).first<512>())) != VolumeKind::kNone;
+}
+
+}  // namespace
+
+PartitionTables ReadPartitionTables(u64 lastOnDisk) {
+  PartitionTables tables;
+  tables.mbr = ReadMasterBootRecord();
+  tables.bareVolume = IsBareVolume(tables.mbr);
+  if (tables.bareVolume) {
+    tables.mbr.partitions.clear();
+  } else {
+    Check mark{0, "master boot record's end mark", Verdict::kGood, "0xAA55", "0xAA55"};
+    if (!tables.mbr.readable) {
+      mark.verdict = Verdict::kMissing;
+      mark.found = "unreadable";
+    } else if (!tables.mbr.endMark) {
+      mark.verdict = Verdict::kMissing;
+      mark.found = "none";
+    }
+    if (tables.mbr.readable && !tables.mbr.plausible) tables.mbr.partitions.clear();
+    tables.checks.push_back(std::move(mark));
+    ReadMbrTable(tables);
+  }
+  ReadGptTables(tables, lastOnDisk);
+  return tables;
+}
+
+}  // namespace trovisk

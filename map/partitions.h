@@ -1,0 +1,43 @@
+// The partitions of a disk, from every table that it has.
+
+#ifndef TROVISK_MAP_PARTITIONS_H
+#define TROVISK_MAP_PARTITIONS_H
+
+#include <optional>
+#include <vector>
+
+#include "frame/toc.h"
+#include "gpt/examine_gpt.h"
+#include "map/model.h"
+#include "mbr/examine_mbr.h"
+
+namespace trovisk {
+
+struct PartitionTables {
+  MasterBootRecord mbr;
+  bool bareVolume = false;  // sector 0 is a volume's boot sector, and holds no partitions
+  std::optional<GptCopy> primary;
+  std::optional<GptCopy> backup;
+  bool gptInUse = false;  // a protective entry leads to it; without one it is what an earlier use left
+
+  bool followsPrimary = true;  // which of its copies the map believes
+
+  std::vector<Extent> partitions;  // in the order of their tables
+  std::vector<Extent> structures;  // the tables themselves
+  SectorToc extendedRecords;       // those of the usual chains
+  std::vector<Check> checks;
+  std::vector<std::string> cut;
+};
+
+// Partitions of one chain beyond so many are counted, not kept.
+inline constexpr u64 kMostLogical = u64{1} << 14;
+
+// Reads all tables. lastOnDisk: all ones where unknown.
+PartitionTables ReadPartitionTables(u64 lastOnDisk);
+
+// Adds what a GPT copy states, or both where they differ; part of ReadPartitionTables.
+void ReadGptTables(PartitionTables& tables, u64 lastOnDisk);
+
+}  // namespace trovisk
+
+#endif

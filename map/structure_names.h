@@ -1,0 +1,25 @@
+// What each decoder's structure is called for programs, and whether it may be absent.
+
+#ifndef TROVISK_MAP_STRUCTURE_NAMES_H
+#define TROVISK_MAP_STRUCTURE_NAMES_H
+
+#include <string_view>
+
+#include "frame/toc.h"
+
+namespace trovisk {
+
+struct StructureKind {
+  SectorDecoder decoder;
+  std::string_view name;         // "gpt_header"
+  bool optional = false;         // a place where the structure may stand, or the end of a list of them
+  bool volume = false;           // the first sector of a volume: all zeros where nothing was formatted yet
+  bool showsToRegister = false;  // registers what it names while it reports, not before
+  bool alike = false;            // a long run of them says the same: its first ones speak for all
+};
+
+const StructureKind& KindOf(SectorDecoder decoder);
+
+}  // namespace trovisk
+
+#endif

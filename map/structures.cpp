@@ -1,0 +1,107 @@
+#include "map/structures.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "frame/decoders.h"
+#include "frame/global.h"
+#include "frame/progress.h"
+#include "frame/report/report.h"
+#include "frame/report/verbs.h"
+#include "frame/sector.h"
+#include "map/catcher.h"
+#include "map/structure_names.h"
+
+namespace trovisk {
+namespace {
+
+// The label of a row without what leads to its value: "\tStarting LBA   : " is "Starting LBA".
+std::string LabelText(std::string_view label) {
+  label = label.substr(0, label.find(':'));
+  if (label.ends_with("0x")) label.remove_suffix(2);
+  const auto from = label.find_first_not_of(" \t");
+  if (from == std::string_view::npos) return {};
+  const auto to = label.find_last_not_of(" \t[{(\"");
+  return std::string(label.substr(from, to - from + 1));
+}
+
+std::vector<StructureField> FieldsOf(const Catcher::Caught& caught) {
+  std::vector<StructureField> fields;
+  for (const FieldNote& note : caught.fields) {
+    if (note.begin > note.end || note.end > caught.text.size()) continue;
+    std::string value = caught.text.substr(note.begin, note.end - note.begin);
+    while (!value.empty() && (value.back() == '\n' || value.back() == ' '))
+      value.pop_back();
+    fields.push_back({.label = LabelText(note.label),
+                      .value = std::move(value),
+                      .offset = note.offset.value_or(0),
+                      .length = note.length,
+                      .placed = note.offset.has_value()});
+  }
+  return fields;
+}
+
+Structure Show(Catcher& catcher, const SectorToc::Found& found, u64 lastOnDisk) {
+  const u64 sector = found.first;
+  const SectorDecoder decoder = found.entry.decoder;
+  Structure structure{.sector = sector,
+                      .title = ToNarrow(found.entry.description),
+                      .structure = std::string(KindOf(decoder).name),
+                      .messages = {},
+                      .fields = {},
+                      .text = {},
+                      .bytes = {}};
+  if (lastOnDisk != ~u64{0} && sector > lastOnDisk) {
+    structure.valid = false;
+    structure.count = found.last - sector + 1;
+    structure.messages.emplace_back("It lies beyond the end of the disk.");
+    return structure;
+  }
+  if (auto bytes = ReadSectors(sector, 1)) structure.bytes = std::move(*bytes);
+  catcher.Take();
+  u64 next = kEndPass;
+  if (SeekToSector(sector)) next = decoder(found.entry.description, sector, true);
+  Catcher::Caught caught = catcher.Take();
+  structure.valid = next > sector && next != kEndPass && caught.messages.empty();
+  structure.fields = FieldsOf(caught);
+  structure.messages = std::move(caught.messages);
+  structure.text = std::move(caught.text);
+  return structure;
+}
+
+bool AreAlike(const Structure& a, const Structure& b) {
+  return a.structure == b.structure && a.title == b.title && a.valid == b.valid && !b.bytes.empty() &&
+         a.bytes == b.bytes && a.sector + a.count == b.sector;
+}
+
+}  // namespace
+
+void ShowStructures(const SectorToc& visited, u64 lastOnDisk,
+                    const std::function<void(const Structure&)>& show) {
+  report.Start();  // a report of its own: numbers begin as they do there
+  Catcher catcher;
+  std::optional<Structure> waiting;  // for others like it
+  u64 shown = 0;
+  BeginPass("structures", 0, lastOnDisk);
+  for (u64 position = 0; shown < kMostStructures;) {
+    const auto found = visited.FirstAtOrAfter(position);
+    if (!found) break;
+    BetweenSectors(found->first);
+    Structure structure = Show(catcher, *found, lastOnDisk);
+    if (KindOf(found->entry.decoder).alike) structure.count = found->last - found->first + 1;
+    position = structure.sector + structure.count;
+    if (waiting && AreAlike(*waiting, structure)) {
+      waiting->count += structure.count;
+    } else {
+      if (waiting) {
+        show(*waiting);
+        ++shown;
+      }
+      waiting = std::move(structure);
+    }
+    if (position == 0) break;
+  }
+  if (waiting && shown < kMostStructures) show(*waiting);
+}
+
+}  // namespace trovisk
