@@ -1,7 +1,8 @@
 #include "map/partitions.h"
 
-#include "frame/report/names.h"
-#include "frame/report/verbs.h"
+#include <algorithm>
+
+#include "map/type_names.h"
 #include "map/volume_kind.h"
 
 namespace trovisk {
@@ -27,7 +28,7 @@ Extent ExtentOf(const MbrPartition& partition, ExtentKind kind) {
   }
   if (partition.indicator == 0x80) extent.flags |= kFlagActive;
   extent.type = HexByte(partition.type);
-  extent.typeName = ToNarrow(PartitionTypeName(partition.type));
+  extent.typeName = NameOfMbrType(partition.type);
   return extent;
 }
 
@@ -73,19 +74,28 @@ void ReadExtended(PartitionTables& tables, const MbrPartition& outermost) {
   }
 }
 
-void ReadMbrTable(PartitionTables& tables) {
+// All ones stand for "the whole disk" on disks of any size.
+void EndProtective(Extent& extent, const MbrPartition& partition, u64 lastOnDisk) {
+  constexpr u64 kWholeDisk = 0xFFFFFFFF;
+  if (partition.count == kWholeDisk && lastOnDisk != ~u64{0})
+    extent.last = std::max(extent.first, lastOnDisk);
+}
+
+void ReadMbrTable(PartitionTables& tables, u64 lastOnDisk) {
   const MasterBootRecord& mbr = tables.mbr;
-  tables.structures.push_back({.first = 0,
-                               .last = 0,
-                               .kind = ExtentKind::kStructure,
-                               .flags = mbr.readable ? 0U : u32{kFlagDamaged},
-                               .typeName = "master boot record",
-                               .source = "sector 0"});
+  if (!mbr.blank)
+    tables.structures.push_back({.first = 0,
+                                 .last = 0,
+                                 .kind = ExtentKind::kStructure,
+                                 .flags = mbr.readable ? 0U : u32{kFlagDamaged},
+                                 .typeName = "master boot record",
+                                 .source = "sector 0"});
   for (const MbrPartition& partition : mbr.partitions) {
     Extent extent = ExtentOf(partition, ExtentKind::kPartition);
     extent.number = partition.entry;
     extent.source = "MBR entry " + std::to_string(partition.entry);
     if (IsExtendedType(partition.type) || partition.type == kTypeProtective) extent.flags |= kFlagContainer;
+    if (partition.type == kTypeProtective) EndProtective(extent, partition, lastOnDisk);
     tables.partitions.push_back(std::move(extent));
   }
   for (const MbrPartition& partition : mbr.partitions) {
@@ -113,13 +123,16 @@ PartitionTables ReadPartitionTables(u64 lastOnDisk) {
     if (!tables.mbr.readable) {
       mark.verdict = Verdict::kMissing;
       mark.found = "unreadable";
+    } else if (tables.mbr.blank) {
+      mark.verdict = Verdict::kNotChecked;
+      mark.found = "zeros: no partition table";
     } else if (!tables.mbr.endMark) {
       mark.verdict = Verdict::kMissing;
       mark.found = "none";
     }
     if (tables.mbr.readable && !tables.mbr.plausible) tables.mbr.partitions.clear();
     tables.checks.push_back(std::move(mark));
-    ReadMbrTable(tables);
+    ReadMbrTable(tables, lastOnDisk);
   }
   ReadGptTables(tables, lastOnDisk);
   return tables;

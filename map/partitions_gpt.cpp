@@ -1,8 +1,7 @@
 #include <algorithm>
 
-#include "frame/report/names.h"
-#include "frame/report/verbs.h"
 #include "map/partitions.h"
+#include "map/type_names.h"
 
 namespace trovisk {
 namespace {
@@ -14,7 +13,7 @@ Extent ExtentOf(const GptPartition& partition, std::string_view table) {
   if (partition.last < partition.first) extent.flags |= kFlagReversed;
   if ((partition.attributes & 4) != 0) extent.flags |= kFlagActive;  // legacy BIOS bootable
   extent.type = GuidText(partition.type);
-  extent.typeName = ToNarrow(GptTypeName(partition.type));
+  extent.typeName = NameOfGptType(extent.type);
   extent.name = partition.name;
   extent.source = std::string(table) + " entry " + std::to_string(partition.number);
   extent.number = partition.number;
@@ -91,7 +90,7 @@ void CheckLastSector(const GptCopy& backup, u64 lastOnDisk, std::vector<Check>& 
 
 void JudgeProtection(PartitionTables& tables, u64 lastOnDisk) {
   if (const MbrPartition* protective = tables.mbr.OfType(kTypeProtective); protective != nullptr) {
-    tables.checks.push_back(CheckProtectiveEntry(*protective, lastOnDisk));
+    tables.checks.push_back(CheckProtectiveEntry(tables.mbr, *protective, lastOnDisk));
     return;
   }
   tables.checks.push_back({0, "protective entry covers the disk", Verdict::kMissing, "none",

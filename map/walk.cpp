@@ -45,20 +45,20 @@ Reader ReaderOf(VolumeKind kind, Reader otherwise) {
   return otherwise;
 }
 
-// The decoder that the sector's own bytes call for, where its registration leaves that open or is belied.
+// The decoder that the sector's own bytes call for, where its registration leaves that open or is belied. A
+// signature counts more than boot code, which an encrypted volume keeps.
 Reader Choose(Reader registered, Bytes sector) {
   const bool open = registered.decoder == IdentifyBootSector;
   if (!open && registered.decoder != DecodeFatBootSector) return registered;
   if (sector.size() < 512) return registered;
   const SectorView boot = sector.first<512>();
-  const VolumeKind kind = KindOfBootSector(boot);
-  if (!open) {
-    const Reader own = ReaderOf(kind, registered);
-    return own.decoder == registered.decoder ? registered : own;
+  Reader named = registered;
+  if (open) {
+    const VolumeClass known = ClassifyBootSector(boot);
+    named = {known.decoder, known.name};
   }
-  const VolumeClass known = ClassifyBootSector(boot);
-  const Reader named{known.decoder, known.name};
-  return known.decoder == DumpRawSector ? ReaderOf(kind, named) : named;
+  const Reader own = ReaderOf(KindOfBootSector(boot), named);
+  return own.decoder == named.decoder ? named : own;
 }
 
 // What the survey does with one sector.
@@ -161,6 +161,13 @@ class Walk {
     return {.decoded = true, .valid = false, .message = valid ? "unreadable" : MessageOf(caught)};
   }
 
+  // Whether another check says already that something is wrong there.
+  bool IsJudged(u64 sector) const {
+    return std::any_of(checks_.begin(), checks_.end(), [&](const Check& check) {
+      return check.sector == sector && (check.verdict == Verdict::kBad || check.verdict == Verdict::kMissing);
+    });
+  }
+
   void Count(u64 first, u64 last, const Reader& reader, const Outcome& outcome) {
     result_.structures.Add(first, last, reader.decoder, reader.title);
     ++result_.count;
@@ -169,7 +176,7 @@ class Walk {
     const StructureKind& kind = KindOf(reader.decoder);
     if (kind.optional) return;
     const bool otherReading = reader.decoder == DecodeExtendedBootRecord && !extendedRecords_.At(first);
-    if (otherReading || ++invalidChecks_ > kMostInvalid) return;
+    if (otherReading || IsJudged(first) || ++invalidChecks_ > kMostInvalid) return;
     const auto bytes = outcome.decoded ? ReadSectors(first, 1) : std::nullopt;
     const bool blank = bytes && AllZero(*bytes);
     Check check{first, "structure is valid", bytes ? Verdict::kBad : Verdict::kMissing, outcome.message,

@@ -70,6 +70,7 @@ MasterBootRecord ReadMasterBootRecord() {
   const auto record = ReadTable(0);
   if (!record) return mbr;
   mbr.readable = true;
+  mbr.blank = AllZero(*record);
   mbr.endMark = EndMarkStands(*record);
   mbr.plausible = IndicatorsArePlausible(*record);
   mbr.signature = Le32At(*record, kDiskSignature);
@@ -80,7 +81,7 @@ MasterBootRecord ReadMasterBootRecord() {
   return mbr;
 }
 
-Check CheckProtectiveEntry(const MbrPartition& entry, u64 lastOnDisk) {
+Check CheckProtectiveEntry(const MasterBootRecord& mbr, const MbrPartition& entry, u64 lastOnDisk) {
   constexpr u64 kMost = 0xFFFFFFFF;
   const u64 wanted = std::min(lastOnDisk, kMost);
   const auto text = [](u64 first, u64 count) {
@@ -88,6 +89,13 @@ Check CheckProtectiveEntry(const MbrPartition& entry, u64 lastOnDisk) {
   };
   Check check{0, "protective entry covers the disk", Verdict::kGood, text(entry.first, entry.count),
               text(1, wanted)};
+  const bool hybrid = std::any_of(mbr.partitions.begin(), mbr.partitions.end(),
+                                  [](const MbrPartition& each) { return each.type != kTypeProtective; });
+  if (hybrid) {
+    check.verdict = Verdict::kNotChecked;
+    check.expected = "the MBR has partitions of its own";
+    return check;
+  }
   // All ones stand for "the whole disk" on disks of any size.
   if (entry.first != 1 || (entry.count != wanted && entry.count != kMost)) check.verdict = Verdict::kBad;
   return check;

@@ -26,6 +26,7 @@ struct MbrPartition {
 struct MasterBootRecord {
   bool readable = false;
   bool endMark = false;
+  bool blank = false;      // nothing but zeros
   bool plausible = false;  // each boot indicator is 0x00 or 0x80: what a table has and boot code does not
   u32 signature = 0;
   std::vector<MbrPartition> partitions;  // the used entries, in the table's order
@@ -39,8 +40,9 @@ bool IsExtendedType(u8 type);
 MasterBootRecord ReadMasterBootRecord();
 
 // The protective entry of a GPT disk: starts at sector 1 and covers the disk, or says 0xFFFFFFFF sectors.
-// Layout: UEFI, "Protective MBR". lastOnDisk: all ones where unknown.
-Check CheckProtectiveEntry(const MbrPartition& entry, u64 lastOnDisk);
+// Beside partitions of its own an MBR has one that covers what they leave: not checked then. Layout: UEFI,
+// "Protective MBR". lastOnDisk: all ones where unknown.
+Check CheckProtectiveEntry(const MasterBootRecord& mbr, const MbrPartition& entry, u64 lastOnDisk);
 
 struct ExtendedRecord {
   u64 sector = 0;  // absolute
