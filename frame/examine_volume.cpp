@@ -11,10 +11,6 @@ constexpr u64 kNowhere = ~u64{0};
 constexpr u64 kMostBytes = u64{1} << 20;
 constexpr std::size_t kEndMarkOffset = 0x1FE;
 
-std::string HexByteOffset(u64 offset) {
-  return "0x" + Hex32(offset).substr(7);
-}
-
 }  // namespace
 
 std::optional<u64> Product(u64 left, u64 right) {
@@ -32,6 +28,15 @@ std::optional<u64> SectorsAt(const VolumePlace& place) {
   if (place.sectors != 0) return place.sectors;
   if (place.lastOnDisk == kNowhere || place.lastOnDisk < place.sector) return std::nullopt;
   return place.lastOnDisk - place.sector + 1;
+}
+
+std::vector<u64> PlacesOfLastSector(const VolumePlace& place) {
+  std::vector<u64> places;
+  const u64 bytes = Product(SectorsAt(place).value_or(0), disk.bytesPerSector).value_or(0);
+  for (const u64 size : kVolumeSectorSizes) {
+    if (bytes > size) places.push_back(bytes - size);
+  }
+  return places;
 }
 
 u64 DiskSectorAt(const VolumePlace& place, u64 offset) {
@@ -70,6 +75,34 @@ void AddArea(VolumeFindings& findings, const VolumePlace& place, std::string_vie
   findings.areas.push_back({first, last, std::string(name)});
 }
 
+std::optional<BootSector> FindBootSector(VolumeFindings& findings, const VolumePlace& place,
+                                         const BootSectorSearch& search) {
+  Check check{place.sector, std::string(search.name), Verdict::kGood, "whole", "whole"};
+  std::optional<BootSector> whole;
+  if (const auto boot = ReadVolumeRecord(place, 0)) {
+    const std::string complaint = search.complaint(SectorView(*boot));
+    if (complaint.empty()) {
+      whole = {.bytes = *boot};
+    } else {
+      check.verdict = Verdict::kBad;
+      check.found = complaint;
+    }
+  } else {
+    check.verdict = Verdict::kMissing;
+    check.found = "unreadable";
+  }
+  findings.checks.push_back(check);
+  for (const u64 offset : search.backups) {
+    if (whole) break;
+    const auto backup = ReadVolumeRecord(place, offset);
+    if (!backup || !search.isBackup(SectorView(*backup))) continue;
+    whole = {.bytes = *backup, .offset = offset};
+    findings.checks.push_back(
+        {DiskSectorAt(place, offset), std::string(search.backupName), Verdict::kGood, "whole", "whole"});
+  }
+  return whole;
+}
+
 Check CheckBootEndMark(u64 sector, std::string_view name, SectorView boot) {
   const auto text = [](u64 mark) { return "0x" + Hex32(mark).substr(6); };
   return CheckEqual(sector, name, text(Be16<kEndMarkOffset>(boot)), text(0x55AA));
@@ -81,17 +114,37 @@ Check CheckVolumeSize(u64 sector, std::string_view name, u64 volume, std::option
           "at most " + std::to_string(*most)};
 }
 
-Check CheckCopy(u64 sector, std::string_view name, Bytes original, std::optional<Bytes> copy) {
-  constexpr std::string_view kExpected = "the bytes of the boot sector";
-  if (!copy) return Unreadable(sector, name, kExpected);
-  Check check{sector, std::string(name), Verdict::kGood, std::string(kExpected), std::string(kExpected)};
+Check CheckCopy(u64 sector, std::string_view name, Bytes original, Bytes copy, std::string_view expected) {
+  Check check{sector, std::string(name), Verdict::kGood, std::string(expected), std::string(expected)};
+  if (AllZero(copy) && !AllZero(original)) {
+    check.verdict = Verdict::kMissing;
+    check.found = "zeros";
+    return check;
+  }
   for (u64 i = 0; i < original.size(); ++i) {
-    if (U8At(original, i) == U8At(*copy, i)) continue;
+    if (i < copy.size() && original[i] == copy[i]) continue;
     check.verdict = Verdict::kBad;
-    check.found = "other bytes from " + HexByteOffset(i) + " on";
+    check.found = "other bytes from " + HexOffset(i) + " on";
     break;
   }
   return check;
+}
+
+Check CheckMagic(u64 sector, std::string_view name, Bytes found, std::string_view expected) {
+  Check check = CheckEqual(sector, name, SafeAscii(found), std::string(expected));
+  if (AllZero(found)) {
+    check.verdict = Verdict::kMissing;
+    check.found = "zeros";
+  }
+  return check;
+}
+
+std::string Hex8(u64 value) {
+  return "0x" + Hex32(value).substr(8);
+}
+
+std::string HexOffset(u64 offset) {
+  return "0x" + Hex32(offset).substr(offset > 0xFFF ? 6 : 7);
 }
 
 Check Unreadable(u64 sector, std::string_view name, std::string_view expected) {

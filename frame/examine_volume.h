@@ -24,6 +24,12 @@ u64 DiskSectors(u64 bytes);
 // end of the disk. None where that is unknown too.
 std::optional<u64> SectorsAt(const VolumePlace& place);
 
+// Bytes per sector that a volume can have, whatever the disk's are.
+inline constexpr std::array<u64, 4> kVolumeSectorSizes = {512, 1024, 2048, 4096};
+
+// Where the last sector of the place begins, for each of these sizes: bytes from the volume's start.
+std::vector<u64> PlacesOfLastSector(const VolumePlace& place);
+
 // The bytes from an offset of the volume on, at most 1 MiB. None where they cannot be read as a whole; what
 // lies beyond the end of the disk is not tried.
 std::optional<std::vector<u8>> ReadVolumeBytes(const VolumePlace& place, u64 offset, u64 count);
@@ -38,15 +44,42 @@ u64 DiskSectorAt(const VolumePlace& place, u64 offset);
 void AddArea(VolumeFindings& findings, const VolumePlace& place, std::string_view name, u64 offset,
              u64 bytes);
 
+// A boot sector that is whole: the volume's own or a backup.
+struct BootSector {
+  std::array<u8, 512> bytes{};
+  u64 offset = 0;  // bytes from the start of the volume; not 0: a backup
+};
+
+// What an examination needs to find one.
+struct BootSectorSearch {
+  std::string_view name;                      // of the check, e.g. "NTFS boot sector"
+  std::string_view backupName;                // of the backup's, where it is the one
+  std::string (*complaint)(SectorView boot);  // what keeps it from being whole; empty: nothing
+  bool (*isBackup)(SectorView boot);          // whether a sector is one
+  std::vector<u64> backups;                   // where there may be one, bytes from the volume's start
+};
+
+// The volume's boot sector or, where that is unreadable or not whole, the first backup that is; checks say
+// so.
+std::optional<BootSector> FindBootSector(VolumeFindings& findings, const VolumePlace& place,
+                                         const BootSectorSearch& search);
+
 // The end mark of a boot sector.
 Check CheckBootEndMark(u64 sector, std::string_view name, SectorView boot);
 
 // The volume's length against what holds it: volume and most in sectors of the disk.
 Check CheckVolumeSize(u64 sector, std::string_view name, u64 volume, std::optional<u64> most);
 
-// A copy of a boot sector against the sector itself; says where the first difference is. missing copy: it
-// cannot be read.
-Check CheckCopy(u64 sector, std::string_view name, Bytes original, std::optional<Bytes> copy);
+// A copy against what it is of; says where the first difference is. Zeros in place of it are no copy:
+// missing. expected: whose bytes it should have.
+Check CheckCopy(u64 sector, std::string_view name, Bytes original, Bytes copy, std::string_view expected);
+
+// A signature of printable characters. Zeros in place of it: missing.
+Check CheckMagic(u64 sector, std::string_view name, Bytes found, std::string_view expected);
+
+// Two or three digits, capitals, behind "0x": a byte, and an offset in a sector.
+std::string Hex8(u64 value);
+std::string HexOffset(u64 offset);
 
 // A check of something that cannot be read.
 Check Unreadable(u64 sector, std::string_view name, std::string_view expected);

@@ -5,7 +5,6 @@
 #include "map/volume_kind.h"
 
 #include "frame/examine_volume.h"
-#include "frame/global.h"
 #include "mbr/examine_fat.h"
 #include "volumes/examinations.h"
 
@@ -47,18 +46,13 @@ VolumeKind KindOfBootSector(SectorView boot) {
 }
 
 VolumeKind KindByBackup(const VolumePlace& place) {
-  // In the volume's own sectors, which may be larger than the disk's.
-  for (const u64 size : {512U, 1024U, 2048U, 4096U}) {
+  for (const u64 size : kVolumeSectorSizes) {
     if (IsAt(place, kFat32BackupSector * size, VolumeKind::kFat)) return VolumeKind::kFat;
     if (IsAt(place, kExFatBackupSector * size, VolumeKind::kExFat)) return VolumeKind::kExFat;
   }
-  const auto sectors = SectorsAt(place);
-  const auto end = sectors ? Product(*sectors, disk.bytesPerSector) : std::nullopt;
-  if (!end) return VolumeKind::kNone;
-  for (const u64 size : {512U, 1024U, 2048U, 4096U}) {
-    if (size < disk.bytesPerSector || *end < size) continue;
-    if (IsAt(place, *end - size, VolumeKind::kNtfs)) return VolumeKind::kNtfs;
-    if (IsAt(place, *end - size, VolumeKind::kReFs)) return VolumeKind::kReFs;
+  for (const u64 last : PlacesOfLastSector(place)) {
+    if (IsAt(place, last, VolumeKind::kNtfs)) return VolumeKind::kNtfs;
+    if (IsAt(place, last, VolumeKind::kReFs)) return VolumeKind::kReFs;
   }
   return VolumeKind::kNone;
 }

@@ -91,16 +91,16 @@ bool SaysThatItIsFat(SectorView boot) {
 
 }  // namespace
 
-std::optional<FatGeometry> FatGeometryOf(SectorView boot, std::string* complaint) {
-  std::string wrong = WhatIsWrong(boot);
-  std::optional<FatGeometry> geometry;
-  if (wrong.empty()) {
-    geometry = Compute(boot);
-    if (geometry->clusters == 0) wrong = "no room for data";
-  }
-  if (!wrong.empty()) geometry.reset();
-  if (complaint != nullptr) *complaint = wrong;
+std::optional<FatGeometry> FatGeometryOf(SectorView boot) {
+  if (!WhatIsWrong(boot).empty()) return std::nullopt;
+  const FatGeometry geometry = Compute(boot);
+  if (geometry.clusters == 0) return std::nullopt;
   return geometry;
+}
+
+std::string FatComplaint(SectorView boot) {
+  const std::string wrong = WhatIsWrong(boot);
+  return wrong.empty() && !FatGeometryOf(boot) ? "no room for data" : wrong;
 }
 
 bool IsFatBootSector(SectorView boot) {

@@ -26,8 +26,11 @@ struct FatGeometry {
   u64 bits = 0;  // 12, 16 or 32: of a FAT entry
 };
 
-// None where the block says nothing that a FAT volume can be; complaint, where it is given, is told why.
-std::optional<FatGeometry> FatGeometryOf(SectorView boot, std::string* complaint = nullptr);
+// None where the block says what no FAT volume can be.
+std::optional<FatGeometry> FatGeometryOf(SectorView boot);
+
+// Why it says that; empty where there is a geometry.
+std::string FatComplaint(SectorView boot);
 
 }  // namespace trovisk
 

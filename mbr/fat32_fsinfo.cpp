@@ -6,21 +6,17 @@
 
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "mbr/fat32_fsinfo_layout.h"
 #include "refimages/boot_sector.h"
 
 namespace trovisk {
 namespace {
 
-constexpr std::size_t kLeadSignature = 0x000;    // "RRaA"
-constexpr std::size_t kStructSignature = 0x1E4;  // "rrAa"
-constexpr std::size_t kFreeClusters = 0x1E8;     // u32
-constexpr std::size_t kNextCluster = 0x1EC;      // u32: where to begin the search for a free one
-
 constexpr u32 kUnknown = 0xFFFFFFFF;
 
 constexpr FieldRow kSignatures[] = {
-    {"Leading Signature                 : [ ", kLeadSignature, Chars(4), " ]"},
-    {"FSI Structure Signatue            : [ ", kStructSignature, Chars(4), " ]"},  // sic
+    {"Leading Signature                 : [ ", kFsInfoLeadSignature, Chars(4), " ]"},
+    {"FSI Structure Signatue            : [ ", kFsInfoStructSignature, Chars(4), " ]"},  // sic
 };
 constexpr FieldRow kEnd[] = {
     {"Sector End Mark                   : 0x", kEndMark, ReversedHexBytes(2)},
@@ -42,8 +38,8 @@ void PrintReport(SectorView fsInfo) {
   PrintHeading("FAT32 Filesystem Information Sector");
   report << LineEnd;
   PrintFields(fsInfo, kSignatures);
-  PrintHint("Last known count of free clusters : ", Le32<kFreeClusters>(fsInfo));
-  PrintHint("Cluster number to begin search    : ", Le32<kNextCluster>(fsInfo));
+  PrintHint("Last known count of free clusters : ", Le32<kFsInfoFreeClusters>(fsInfo));
+  PrintHint("Cluster number to begin search    : ", Le32<kFsInfoNextCluster>(fsInfo));
   PrintFields(fsInfo, kEnd);
 }
 
@@ -57,7 +53,7 @@ u64 DecodeFat32FsInfo(WideText description, u64 sector, bool print) {
     report << "Not a valid FAT32 FSI sector end marker" << LineEnd;
     return kEndPass;
   }
-  if (!EqualsText(Part<kLeadSignature, 4>(fsInfo), "RRaA")) {
+  if (!EqualsText(Part<kFsInfoLeadSignature, 4>(fsInfo), "RRaA")) {
     report << "Not a valid FAT32 FSI signature" << LineEnd;
     return kEndPass;
   }
