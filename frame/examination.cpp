@@ -30,17 +30,15 @@ void AppendUtf8(std::string& text, char32_t character) {
   }
 }
 
-// Control characters, what changes the direction of the text around it, line and paragraph separators, and
-// noncharacters.
-bool IsUnsafe(char32_t character) {
+}  // namespace
+
+bool IsUnsafeToShow(char32_t character) {
   return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x061C ||
          (character >= 0x200B && character <= 0x200F) || (character >= 0x2028 && character <= 0x202E) ||
          (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF ||
          (character >= 0xFDD0 && character <= 0xFDEF) || (character & 0xFFFE) == 0xFFFE ||
          (character >= 0xFFF9 && character <= 0xFFFB);
 }
-
-}  // namespace
 
 std::optional<std::vector<u8>> ReadSectors(u64 first, u64 count) {
   const u64 bytesPerSector = disk.bytesPerSector;
@@ -82,7 +80,7 @@ std::string SafeUtf16(Bytes units) {
       }
     }
     const bool lone = character >= 0xD800 && character < 0xE000;
-    AppendUtf8(text, lone || IsUnsafe(character) ? U'?' : character);
+    AppendUtf8(text, lone || IsUnsafeToShow(character) ? U'?' : character);
   }
   return text;
 }

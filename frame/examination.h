@@ -65,6 +65,10 @@ Check CheckEqual(u64 sector, std::string_view name, std::string found, std::stri
 // Eight digits, capitals, behind "0x": how a CRC-32 is written.
 std::string Hex32(u64 value);
 
+// Control characters, what changes the direction of the text around it, line and paragraph separators, and
+// noncharacters: what text that is shown must not hold.
+bool IsUnsafeToShow(char32_t character);
+
 // Text of the disk as UTF-8 that is safe to show: '?' for control characters, for what overrides the
 // direction of text and for what is no character; it ends at the first NUL. units: UTF-16, little-endian.
 std::string SafeUtf16(Bytes units);

@@ -10,9 +10,16 @@
 
 namespace trovisk {
 
-// Hands the document over piece by piece, so that it need not fit into memory. Visits the structures of the
-// surveyed disk, which must still be open.
-void WriteMapAsJson(const DiskMap& map, const std::function<void(std::string_view)>& write);
+// What a document says of its own form. The number grows where a reader of the last form would be wrong.
+inline constexpr std::string_view kMapSchema = "trovisk-map/1";
+
+// Calls back for each structure, as VisitStructures does.
+using StructureVisitor = std::function<void(const std::function<void(const Structure&)>&)>;
+
+// Hands the document over piece by piece, so that it need not fit into memory. structures is called once. '<'
+// stands in no place but inside of strings.
+void WriteMapAsJson(const DiskMap& map, const StructureVisitor& structures,
+                    const std::function<void(std::string_view)>& write);
 
 }  // namespace trovisk
 
