@@ -3,7 +3,7 @@
 # order, so script/package makes its own.
 
 install(TARGETS trovisk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md CHANGELOG.md LICENSE map/map.schema.json DESTINATION ${CMAKE_INSTALL_DOCDIR})
 if(NOT WIN32)
   install(FILES man/trovisk.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
   install(
