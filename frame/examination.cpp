@@ -101,7 +101,7 @@ std::string SafeUtf8(std::string_view text) {
     }
     whole =
         whole && character >= kSmallest.at(more) && character < 0x110000 && (character & 0x1FF800) != 0xD800;
-    AppendUtf8(safe, !whole || IsUnsafe(character) ? U'?' : character);
+    AppendUtf8(safe, !whole || IsUnsafeToShow(character) ? U'?' : character);
   }
   return safe;
 }
