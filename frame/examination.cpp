@@ -66,6 +66,18 @@ std::string Hex32(u64 value) {
   return text;
 }
 
+std::string StoredGuidText(Bytes bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  if (bytes.size() < 16) return text;
+  for (std::size_t i = 0; i < 16; ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+    text += kDigits[bytes[i] >> 4U];
+    text += kDigits[bytes[i] & 0xFU];
+  }
+  return text;
+}
+
 std::string SafeUtf16(Bytes units) {
   std::string text;
   for (u64 position = 0; position + 2 <= units.size(); position += 2) {

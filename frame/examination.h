@@ -69,6 +69,9 @@ std::string Hex32(u64 value);
 // noncharacters: what text that is shown must not hold.
 bool IsUnsafeToShow(char32_t character);
 
+// Sixteen bytes in the order in which they are stored, as a GUID in small letters; fewer: empty.
+std::string StoredGuidText(Bytes bytes);
+
 // Text of the disk as UTF-8 that is safe to show: '?' for control characters, for what overrides the
 // direction of text and for what is no character; it ends at the first NUL. units: UTF-16, little-endian.
 std::string SafeUtf16(Bytes units);

@@ -20,7 +20,7 @@ struct DynamicPartition {
   std::string disk;  // name of the disk's record; empty: there is none
   bool onThisDisk = false;
   u64 start = 0;          // sectors from the disk's logical start
-  u64 absoluteStart = 0;  // where it is on this disk: absolute sector
+  u64 absoluteStart = 0;  // where it is on this disk: absolute sector; all ones: beyond any
   u64 size = 0;           // sectors
   u64 volumeOffset = 0;   // sectors from the start of its component
   u64 column = 0;         // of a striped or RAID-5 component
@@ -39,7 +39,8 @@ struct DynamicComponent {
 struct DynamicVolume {
   u64 id = 0;
   std::string name;
-  std::string type;  // "simple", "spanned", "striped", "mirrored", "RAID-5"
+  std::string type;  // "simple", "spanned", "striped", "mirrored", "RAID-5"; without components "unknown",
+                     // with one of an unknown type that
   std::string state;
   u64 size = 0;      // sectors
   std::string hint;  // drive letter, empty: none
@@ -52,14 +53,14 @@ struct DynamicDiskMember {
   u64 id = 0;
   std::string name;
   std::string guid;
+  std::string device;  // its last known name, as the record's alternate name says; empty: none
   bool thisDisk = false;
-  bool missing = false;  // no device backs it, as the record's alternate name says
 };
 
 struct DynamicDisk {
   std::string groupName;
   std::string groupGuid;
-  std::string diskGuid;     // of this disk, as its PRIVHEAD says
+  std::string diskGuid;     // of this disk, as its PRIVHEAD says; GUIDs are in small letters
   u64 logicalStart = 0;     // absolute sector
   u64 logicalSize = 0;      // sectors
   u64 databaseStart = 0;    // absolute sector of the configuration area

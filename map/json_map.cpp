@@ -141,8 +141,8 @@ void WriteDynamicDisk(JsonWriter& json, const DynamicDisk& disk) {
     json.Item({{"id", JsonNumber(member.id)},
                {"name", member.name},
                {"guid", member.guid},
-               {"this_disk", member.thisDisk},
-               {"missing", member.missing}});
+               {"device", member.device},
+               {"this_disk", member.thisDisk}});
   }
   json.Close();
   json.OpenList("volumes");

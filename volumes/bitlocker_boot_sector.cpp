@@ -153,8 +153,8 @@ struct BitLockerLayout {
 };
 
 constexpr BitLockerLayout kLayouts[] = {
-    {kBitLockerJumpVista, "Windows Vista Bitlocker Boot Sector", PrintVista},
-    {kBitLockerJumpSeven, "Windows 7 Bitlocker Boot Sector", PrintSeven},
+    {0x52, "Windows Vista Bitlocker Boot Sector", PrintVista},
+    {0x58, "Windows 7 Bitlocker Boot Sector", PrintSeven},
 };
 
 const BitLockerLayout* LayoutOf(SectorView boot) {

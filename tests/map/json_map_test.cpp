@@ -143,7 +143,7 @@ TEST(JsonMap, DynamicDiskNestsVolumesComponentsAndPartitions) {
   map.dynamicDisk.emplace();
   map.dynamicDisk->groupName = "Dg0";
   map.dynamicDisk->areas = {{10, 12, "VMDB"}};
-  map.dynamicDisk->disks = {{5, "Disk1", "guid", true, false}};
+  map.dynamicDisk->disks = {{5, "Disk1", "guid", "Harddisk0", true}};
   DynamicPartition here;
   here.id = 9;
   here.name = "Disk1-01";
@@ -163,6 +163,7 @@ TEST(JsonMap, DynamicDiskNestsVolumesComponentsAndPartitions) {
   EXPECT_EQ(disk.at("group_name"), "Dg0");
   EXPECT_EQ(disk.at("areas"), json::parse(R"([{"first": 10, "last": 12, "name": "VMDB"}])"));
   EXPECT_EQ(disk.at("disks").at(0).at("this_disk"), true);
+  EXPECT_EQ(disk.at("disks").at(0).at("device"), "Harddisk0");
   EXPECT_EQ(disk.at("orphans").size(), 1U);
   const json partitions = disk.at("volumes").at(0).at("components").at(0).at("partitions");
   EXPECT_EQ(partitions.at(0), json::parse(R"({"id": 9, "name": "Disk1-01", "disk_id": 5, "disk": "Disk1",

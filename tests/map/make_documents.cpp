@@ -49,7 +49,7 @@ void AddDynamicDisk(DiskMap& map) {
   disk.groupName = disk.groupGuid = disk.diskGuid = harmful;
   disk.logicalStart = disk.logicalSize = disk.databaseStart = disk.databaseSize = kMost;
   disk.areas = {{0, kMost, harmful}, {}};
-  disk.disks = {{kMost, harmful, harmful, true, true}, {}};
+  disk.disks = {{kMost, harmful, harmful, harmful, true}, {}};
   disk.volumes.resize(2);
   DynamicVolume& volume = disk.volumes.back();
   volume.name = volume.type = volume.state = volume.hint = volume.guid = harmful;
