@@ -20,6 +20,14 @@ endforeach()
 
 file(GLOB map_sources CONFIGURE_DEPENDS map/*.cpp)
 list(REMOVE_ITEM map_sources ${CMAKE_SOURCE_DIR}/map/main.cpp)
+# What is different on each system.
+if(WIN32)
+  list(FILTER map_sources EXCLUDE REGEX "_posix\\.cpp$")
+else()
+  list(FILTER map_sources EXCLUDE REGEX "_windows\\.cpp$")
+endif()
+set_source_files_properties(map/options.cpp PROPERTIES COMPILE_DEFINITIONS
+                                                       "TROVISK_VERSION=\"${PROJECT_VERSION}\"")
 add_library(trovisk_map_core STATIC ${map_sources} ${examination_sources})
 target_link_libraries(trovisk_map_core PUBLIC trovisk_core ZLIB::ZLIB)
 target_include_directories(trovisk_map_core SYSTEM PUBLIC ${map_headers})

@@ -1,18 +1,87 @@
 #include "map/command.h"
 
+#include <functional>
+
 #include "frame/report/report.h"
+#include "map/arguments.h"
+#include "map/disk_table.h"
+#include "map/json_map.h"
+#include "map/options.h"
+#include "map/output_file.h"
 #include "map/survey.h"
+#include "map/terminal.h"
 #include "map/text_map.h"
 
 namespace trovisk {
+namespace {
+
+using Sink = std::function<void(std::string_view)>;
+
+// A table where a person reads it, as far as one can tell.
+TextStyle StyleFor(const MapOptions& options) {
+  constexpr std::size_t kUsual = 80;
+  const std::size_t terminal = options.output.empty() ? TerminalWidth() : 0;
+  TextStyle style;
+  style.forPerson = terminal != 0 || options.width != 0 || options.colour == ColourChoice::kAlways;
+  style.width = options.width != 0 ? options.width : terminal != 0 ? terminal : kUsual;
+  style.utf8 = ShowsUtf8();
+  style.all = options.all;
+  const bool wanted = options.colour == ColourChoice::kAuto && terminal != 0 && WantsColours();
+  const bool possible = terminal != 0 && options.colour != ColourChoice::kNever && EnableColours();
+  style.colours = options.colour == ColourChoice::kAlways || (wanted && possible);
+  return style;
+}
+
+// Hands out what the command line asks for, piece by piece.
+void PrintMap(const DiskMap& map, const MapOptions& options, const Sink& sink) {
+  if (options.form == MapForm::kJson) {
+    WriteMapAsJson(map, VisitStructures, sink);
+  } else {
+    sink(MapAsText(map, StyleFor(options)));
+  }
+}
+
+// Prints to standard output, or into the file, which is written whole or not at all. Whether it worked.
+bool PrintTo(const MapOptions& options, const std::function<void(const Sink&)>& print) {
+  if (options.output.empty()) {
+    print([](std::string_view text) { report << text; });
+    report.Flush();
+    return true;
+  }
+  std::vector<std::string> read = {options.disk};
+  if (!options.other.empty()) read.push_back(options.other);
+  OutputFile file;
+  bool good = file.Open(options.output, read);
+  if (good) print([&](std::string_view text) { good = good && file.Write(text); });
+  good = good && file.Commit();
+  if (!good) errors << "trovisk-map: " + file.Complaint();
+  return good;
+}
+
+int ShowDisks(const MapOptions& options) {
+  const bool forPerson = StyleFor(options).forPerson;
+  const bool printed = PrintTo(options, [&](const Sink& sink) { sink(DisksAsText(ListDisks(), forPerson)); });
+  return printed ? 0 : 1;
+}
+
+int ShowMap(const MapOptions& options) {
+  const auto map = SurveyDisk(options.disk.c_str());
+  if (!map) return 1;
+  const bool printed = PrintTo(options, [&](const Sink& sink) { PrintMap(*map, options, sink); });
+  CloseSurvey();
+  return printed ? map->ExitStatus() : 1;
+}
+
+}  // namespace
 
 int RunMap(int argc, char** argv) {
-  if (argc < 2) return 1;
-  const auto map = SurveyDisk(argv[1]);
-  if (!map) return 1;
-  report << MapAsText(*map, {});
+  report.Start();
+  errors.Start();
+  int status = 1;
+  const auto options = TakeOptions(ArgumentsInUtf8(argc, argv), status);
+  if (options) status = options->form == MapForm::kList ? ShowDisks(*options) : ShowMap(*options);
   report.Flush();
-  return map->ExitStatus();
+  return status;
 }
 
 }  // namespace trovisk

@@ -10,15 +10,7 @@ constexpr std::array<std::string_view, 12> kFlagNames = {
     "active", "container", "overlaps",     "beyond-end",    "reversed", "empty",
     "hybrid", "unsound",   "copy-differs", "other-reading", "damaged",  "other-copy"};
 
-bool IsWrong(const Check& check) {
-  return check.verdict == Verdict::kBad || check.verdict == Verdict::kMissing;
-}
-
 constexpr u32 kWrongFlags = kFlagOverlaps | kFlagBeyondEnd | kFlagReversed | kFlagCopyDiffers | kFlagDamaged;
-
-bool IsWrongExtent(const Extent& extent) {
-  return (extent.flags & kWrongFlags) != 0;
-}
 
 }  // namespace
 
@@ -48,9 +40,18 @@ std::string_view NameOfVerdict(Verdict verdict) {
   return kNames.at(static_cast<std::size_t>(verdict));
 }
 
+bool IsWrong(const Check& check) {
+  return check.verdict == Verdict::kBad || check.verdict == Verdict::kMissing;
+}
+
+bool IsWrong(const Extent& extent) {
+  return (extent.flags & kWrongFlags) != 0;
+}
+
 int DiskMap::ExitStatus() const {
-  const bool wrong = std::any_of(checks.begin(), checks.end(), IsWrong) ||
-                     std::any_of(extents.begin(), extents.end(), IsWrongExtent);
+  const auto isWrong = [](const auto& each) { return IsWrong(each); };
+  const bool wrong = std::any_of(checks.begin(), checks.end(), isWrong) ||
+                     std::any_of(extents.begin(), extents.end(), isWrong);
   return wrong ? 2 : 0;
 }
 

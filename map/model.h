@@ -70,6 +70,10 @@ std::string_view NameOfKind(ExtentKind kind);
 // "good", "bad", "missing", "not checked".
 std::string_view NameOfVerdict(Verdict verdict);
 
+// Whether a check is bad or missing, or an extent's flags say that something is wrong with it.
+bool IsWrong(const Check& check);
+bool IsWrong(const Extent& extent);
+
 struct DiskFacts {
   std::string path;  // the disk argument, UTF-8, safe to show
   u32 sectorSize = 0;

@@ -1,23 +1,48 @@
 #include "map/text_map.h"
 
-namespace trovisk {
+#include "map/disk_bar.h"
+#include "map/text_layout.h"
 
-std::string MapAsText(const DiskMap& map, const TextStyle& /*style*/) {
-  std::string text;
-  for (const Extent& extent : map.extents) {
-    text.append(std::to_string(extent.first)).append("\t").append(std::to_string(extent.last)).append("\t");
-    text.append(NameOfKind(extent.kind)).append("\t").append(extent.type).append("\t");
-    text.append(extent.typeName).append("\t").append(extent.name).append("\t").append(extent.source);
-    for (const std::string_view flag : NamesOfFlags(extent.flags))
-      text.append("\t").append(flag);
-    text.append("\n");
+namespace trovisk {
+namespace {
+
+// The disk in one line, as far as it is known.
+std::string DiskLine(const DiskMap& map, const TextStyle& style) {
+  const DiskFacts& disk = map.disk;
+  std::string facts = ", sectors of " + Counted(disk.sectorSize, "byte");
+  if (disk.sectors != 0) {
+    facts = ", " + SizeOfSectors(disk.sectors, disk.sectorSize) + " in " + Counted(disk.sectors, "sector") +
+            " of " + Counted(disk.sectorSize, "byte");
   }
-  for (const Check& check : map.checks) {
-    text.append(std::to_string(check.sector)).append("\t").append(check.name).append("\t");
-    text.append(NameOfVerdict(check.verdict)).append("\t").append(check.found).append("\t");
-    text.append(check.expected).append("\n");
-  }
-  return text;
+  const std::string scheme =
+      disk.scheme.empty() || disk.scheme == "none" ? "no partition table" : disk.scheme;
+  return Wrap("", 2, disk.path + facts + ", " + scheme, style.width);
+}
+
+// Behind an empty line, where there is something.
+std::string Paragraph(const std::string& text) {
+  return text.empty() ? "" : "\n" + text;
+}
+
+std::string MapForPerson(const DiskMap& map, const TextStyle& style) {
+  std::string text = DiskLine(map, style);
+  text += Paragraph(DiskBar(map, style));
+  text += Paragraph(TableOfExtents(map, style));
+  text += Paragraph(ChecksForPerson(map, style));
+  text += Paragraph(JoinedViews(map, style));
+  std::string cut;
+  for (const std::string& sentence : map.cut)
+    cut += Wrap("", 2, sentence, style.width);
+  text += Paragraph(cut);
+  const bool wrong = map.ExitStatus() != 0;
+  const std::string verdict = Wrap("", 0, VerdictInWords(map), style.width);
+  return text + Paragraph(Coloured(verdict, wrong ? Colour::kWrong : Colour::kGood, style));
+}
+
+}  // namespace
+
+std::string MapAsText(const DiskMap& map, const TextStyle& style) {
+  return style.forPerson ? MapForPerson(map, style) : MapAsRecords(map);
 }
 
 }  // namespace trovisk

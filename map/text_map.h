@@ -10,13 +10,25 @@
 namespace trovisk {
 
 struct TextStyle {
-  bool forPerson = false;  // the table with the bar; else one extent a line, columns separated by tabs
+  bool forPerson = false;  // the table with the bar; else records, a line each, columns separated by tabs
   std::size_t width = 80;  // of the terminal, in columns
   bool colours = false;
   bool utf8 = true;  // whether the terminal shows block characters
+  bool all = false;  // every row and every check for a person too; records always have all
 };
 
 std::string MapAsText(const DiskMap& map, const TextStyle& style);
+
+// The map's parts for a person, each of whole lines; empty where there is nothing to show.
+std::string TableOfExtents(const DiskMap& map, const TextStyle& style);
+std::string ChecksForPerson(const DiskMap& map, const TextStyle& style);
+std::string JoinedViews(const DiskMap& map, const TextStyle& style);
+
+// What the map says as a whole, in one sentence.
+std::string VerdictInWords(const DiskMap& map);
+
+// Records, as the manual page describes them.
+std::string MapAsRecords(const DiskMap& map);
 
 }  // namespace trovisk
 
