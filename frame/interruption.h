@@ -18,6 +18,10 @@ inline std::atomic<bool> progressWanted = false;
 // all that a sector costs. Set last.
 inline std::atomic<bool> attention = false;
 
+// What is to be tidied up before an interrupted run ends: called between two sectors, by no handler. Null:
+// nothing.
+inline void (*beforeInterruptedEnd)() = nullptr;
+
 // A handler may use no others.
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 

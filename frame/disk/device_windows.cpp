@@ -8,9 +8,9 @@
 #include <cstring>
 #include <string>
 
+#include "frame/disk/command_line.h"
 #include "frame/disk/device.h"
 #include "frame/disk/file_windows.h"
-#include "frame/disk/first_argument.h"
 #include "frame/disk/image_files.h"
 #include "frame/disk/image_files_windows.h"
 
@@ -26,6 +26,11 @@ bool IsNumber(const char* argument) {
   return argument[std::strspn(argument, "0123456789")] == '\0';
 }
 
+// The disk argument in its own characters.
+std::wstring Named(const char* argument) {
+  return argumentsAreUtf8 ? FromUtf8(argument) : FirstArgument(GetCommandLineW());
+}
+
 }  // namespace
 
 // An argument that names no drive is tried as the path of a file. Where it is none either, what is said is
@@ -38,7 +43,7 @@ ErrorCode OpenDevice(Device& device, WideText path, const char* argument) {
   if (handle != INVALID_HANDLE_VALUE) return 0;
   const ErrorCode error = Failure();
   if (!IsNotThere(error) || IsNumber(argument)) return error;
-  return OpenImageFile(device, FirstArgument(GetCommandLineW())) ? 0 : error;
+  return OpenImageFile(device, Named(argument)) ? 0 : error;
 }
 
 bool IsOpen(const Device& device) {

@@ -3,10 +3,7 @@
 #include <algorithm>
 
 namespace trovisk {
-namespace {
 
-// The path in the form that may be longer than 260 characters whatever the system's settings are. Paths of
-// devices stay as they are.
 std::wstring LongPath(const std::wstring& path) {
   std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
   full.resize(GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
@@ -14,7 +11,21 @@ std::wstring LongPath(const std::wstring& path) {
   return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
 }
 
-}  // namespace
+std::string ToUtf8(const std::wstring& text) {
+  std::string utf8(text.size() * 3, '\0');
+  const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), utf8.data(),
+                                        static_cast<int>(utf8.size()), nullptr, nullptr);
+  utf8.resize(static_cast<std::size_t>(bytes));
+  return utf8;
+}
+
+std::wstring FromUtf8(const std::string& utf8) {
+  std::wstring text(utf8.size(), L'\0');
+  const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), text.data(),
+                                         static_cast<int>(text.size()));
+  text.resize(static_cast<std::size_t>(length));
+  return text;
+}
 
 ErrorCode Failure() {
   const DWORD error = GetLastError();

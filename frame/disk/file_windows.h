@@ -12,6 +12,14 @@
 
 namespace trovisk {
 
+// Text of the system as UTF-8, and back.
+std::string ToUtf8(const std::wstring& text);
+std::wstring FromUtf8(const std::string& utf8);
+
+// The path in the form that may be longer than 260 characters whatever the system's settings are. Paths of
+// devices stay as they are.
+std::wstring LongPath(const std::wstring& path);
+
 // The error of a call that has failed.
 ErrorCode Failure();
 

@@ -9,22 +9,6 @@
 namespace trovisk {
 namespace {
 
-std::string ToUtf8(const std::wstring& text) {
-  std::string utf8(text.size() * 3, '\0');
-  const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), utf8.data(),
-                                        static_cast<int>(utf8.size()), nullptr, nullptr);
-  utf8.resize(static_cast<std::size_t>(bytes));
-  return utf8;
-}
-
-std::wstring FromUtf8(const std::string& utf8) {
-  std::wstring text(utf8.size(), L'\0');
-  const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), text.data(),
-                                         static_cast<int>(text.size()));
-  text.resize(static_cast<std::size_t>(length));
-  return text;
-}
-
 ErrorCode ReadFileSource(void* state, u64 offset, u8* buffer, std::size_t count, std::size_t& got) {
   return ReadAt(*static_cast<File*>(state), offset, buffer, count, got);
 }

@@ -86,6 +86,7 @@ void EndIfInterrupted() {
   if (!IsInterrupted()) return;
   report.Flush();
   EraseStatusLine();
+  if (beforeInterruptedEnd != nullptr) beforeInterruptedEnd();
   EndByInterruption(interruption);
 }
 

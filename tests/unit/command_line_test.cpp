@@ -1,4 +1,4 @@
-#include "frame/disk/first_argument.h"
+#include "frame/disk/command_line.h"
 
 #include <gtest/gtest.h>
 
@@ -47,6 +47,12 @@ TEST(FirstArgument, TwoMarksInQuotesAreOne) {
 TEST(FirstArgument, KeepsEveryCharacter) {
   EXPECT_EQ(FirstArgument(L"trovisk \"\u00FC\u0434\u65E5\u00A0\U0001F4BE.img\" 1"),
             L"\u00FC\u0434\u65E5\u00A0\U0001F4BE.img");
+}
+
+TEST(CommandLine, HasEachArgumentInItsOwnCharacters) {
+  EXPECT_EQ(ArgumentsOf(L"trovisk-map --output=\"my map\" \u65E5.img \"\"  --width 40 "),
+            (std::vector<std::wstring>{L"--output=my map", L"\u65E5.img", L"", L"--width", L"40"}));
+  EXPECT_EQ(ArgumentsOf(L"trovisk-map  "), std::vector<std::wstring>{});
 }
 
 }  // namespace

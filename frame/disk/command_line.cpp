@@ -1,6 +1,6 @@
 // The rules: "Parsing C command-line arguments" in Microsoft's documentation of the C runtime.
 
-#include "frame/disk/first_argument.h"
+#include "frame/disk/command_line.h"
 
 #include <algorithm>
 
@@ -21,12 +21,8 @@ WideText BehindName(WideText line) {
   return line.substr(end);
 }
 
-}  // namespace
-
-std::wstring FirstArgument(WideText commandLine) {
-  WideText rest = BehindName(commandLine);
-  rest.remove_prefix(
-      static_cast<std::size_t>(std::find_if_not(rest.begin(), rest.end(), IsBlank) - rest.begin()));
+// Takes an argument from the start of the rest, which is not empty.
+std::wstring TakeArgument(WideText& rest) {
   std::wstring argument;
   bool quoted = false;
   while (!rest.empty() && (quoted || !IsBlank(rest.front()))) {
@@ -53,6 +49,24 @@ std::wstring FirstArgument(WideText commandLine) {
     }
   }
   return argument;
+}
+
+}  // namespace
+
+std::vector<std::wstring> ArgumentsOf(WideText commandLine) {
+  std::vector<std::wstring> arguments;
+  WideText rest = BehindName(commandLine);
+  for (;;) {
+    rest.remove_prefix(
+        static_cast<std::size_t>(std::find_if_not(rest.begin(), rest.end(), IsBlank) - rest.begin()));
+    if (rest.empty()) return arguments;
+    arguments.push_back(TakeArgument(rest));
+  }
+}
+
+std::wstring FirstArgument(WideText commandLine) {
+  const std::vector<std::wstring> arguments = ArgumentsOf(commandLine);
+  return arguments.empty() ? std::wstring() : arguments.front();
 }
 
 }  // namespace trovisk
