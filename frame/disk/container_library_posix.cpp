@@ -108,13 +108,24 @@ std::vector<u8> Identity(const Container& container, const char* name) {
   return known ? identity : std::vector<u8>{};
 }
 
+// All zeros or all ones are what an image without a parent has.
+bool IsNone(const std::vector<u8>& identity) {
+  return std::all_of(identity.begin(), identity.end(),
+                     [&](u8 byte) { return byte == identity[0] && (byte == 0 || byte == 0xFF); });
+}
+
 OpenedContainer OpenChain(const ContainerLibrary& library, const std::string& path,
                           std::vector<std::string>& chain, std::string& refusal);
 
 bool AdoptParent(Container& container, const std::string& path, std::vector<std::string>& chain,
                  std::string& refusal) {
   const std::string name = ParentName(container);
-  if (name.empty()) return true;
+  const std::vector<u8> wanted = Identity(container, container.library->parentIdentity);
+  if (name.empty() && IsNone(wanted)) return true;
+  if (name.empty()) {
+    refusal = "rests on another image, whose full path it does not hold";
+    return false;
+  }
   const std::string parentPath = FindParent(path, name);
   if (parentPath.empty()) {
     refusal = "rests on the image " + name + ", which is missing";
@@ -131,7 +142,6 @@ bool AdoptParent(Container& container, const std::string& path, std::vector<std:
     if (refusal.empty()) refusal = "rests on the image " + name + ", which is damaged or of another kind";
     return false;
   }
-  const std::vector<u8> wanted = Identity(container, container.library->parentIdentity);
   const std::vector<u8> found = Identity(*container.parent, container.library->identity);
   if (!wanted.empty() && !found.empty() && wanted != found) {
     refusal = "rests on another state of the image " + name + " than the one that is there";
