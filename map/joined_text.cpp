@@ -75,7 +75,8 @@ std::string DynamicDiskText(const DynamicDisk& dynamic, u32 sectorSize, const Te
   for (const DynamicDiskMember& member : dynamic.disks) {
     lines.push_back(Item(2,
                          "disk " + List({member.name, member.thisDisk ? "this one" : "",
-                                         member.missing ? "missing" : "", InBraces(member.guid)}),
+                                         member.device.empty() ? "" : "last known as " + member.device,
+                                         InBraces(member.guid)}),
                          style));
   }
   for (const DynamicVolume& volume : dynamic.volumes)

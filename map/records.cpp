@@ -67,12 +67,10 @@ std::string DynamicRecords(const DynamicDisk& dynamic) {
   text += Record({"group", Value(dynamic.groupName), Value(dynamic.groupGuid), Value(dynamic.diskGuid),
                   Value(dynamic.logicalStart), Value(dynamic.logicalSize), Value(dynamic.databaseStart),
                   Value(dynamic.databaseSize)});
-  text += Record({"#member", "name", "guid", "state"});
+  text += Record({"#member", "name", "guid", "state", "device"});
   for (const DynamicDiskMember& member : dynamic.disks) {
     text += Record({"member", Value(member.name), Value(member.guid),
-                    member.thisDisk  ? "this disk"
-                    : member.missing ? "missing"
-                                     : "another disk"});
+                    member.thisDisk ? "this disk" : "another disk", Value(member.device)});
   }
   text += Record({"#volume", "name", "type", "state", "size", "hint", "guid", "partition_type"});
   text += Record({"#component", "volume", "name", "type", "state", "stripe_size", "columns"});
