@@ -39,8 +39,9 @@ TEST(ExamineNtfs, AreasThatTheBootSectorStates) {
 // 0xF4: clusters of 2^12 sectors.
 TEST(ExamineNtfs, LargeClustersAreNegativePowersOfTwo) {
   Disk disk(50000);
-  PutNtfsBootSector(disk, kVolume,
-                    {.sectorsPerCluster = 0xF4, .totalSectors = 40960, .mftCluster = 2, .mftMirrorCluster = 1});
+  PutNtfsBootSector(
+      disk, kVolume,
+      {.sectorsPerCluster = 0xF4, .totalSectors = 40960, .mftCluster = 2, .mftMirrorCluster = 1});
   const VolumeFindings findings = ExaminedNtfs(disk, 40961);
   EXPECT_EQ(AreasOf(findings),
             "63-78 boot code\n"
@@ -73,8 +74,7 @@ TEST(ExamineNtfs, SectorsOf512OnADiskOf4096AreConverted) {
 }
 
 TEST(ExamineNtfs, EndMarkIsMissed) {
-  EXPECT_EQ(Judged(ExaminedNtfs(NtfsDisk({.endMark = 0})), "NTFS end mark"),
-            "sector 63 bad: 0x0000, 0x55AA");
+  EXPECT_EQ(Judged(ExaminedNtfs(NtfsDisk({.endMark = 0})), "NTFS end mark"), "sector 63 bad: 0x0000, 0x55AA");
 }
 
 // The backup has the partition's last sector.
@@ -103,8 +103,7 @@ TEST(ExamineNtfs, BackupIsMissing) {
 
 // 1000 sectors are 125 clusters.
 TEST(ExamineNtfs, MftLiesInTheVolume) {
-  EXPECT_EQ(Judged(ExaminedNtfs(NtfsDisk()), "NTFS $MFT place"),
-            "sector 63 good: cluster 4, from 1 to 124");
+  EXPECT_EQ(Judged(ExaminedNtfs(NtfsDisk()), "NTFS $MFT place"), "sector 63 good: cluster 4, from 1 to 124");
   EXPECT_EQ(Judged(ExaminedNtfs(NtfsDisk({.mftCluster = 125})), "NTFS $MFT place"),
             "sector 63 bad: cluster 125, from 1 to 124");
   EXPECT_EQ(Judged(ExaminedNtfs(NtfsDisk({.mftMirrorCluster = 0})), "NTFS $MFTMirr place"),
