@@ -1,0 +1,154 @@
+#include "map/document.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <charconv>
+
+#include "frame/examination.h"
+#include "map/base64.h"
+#include "map/document_reader.h"
+#include "map/json_map.h"
+
+namespace trovisk {
+namespace {
+
+// A word of the document as text; a list's joined.
+std::string TextOf(const DocumentJson& value) {
+  if (value.is_null()) return {};
+  if (value.is_string()) return value.get<std::string>();
+  if (!value.is_array()) return value.dump(-1, ' ', false, DocumentJson::error_handler_t::replace);
+  std::string text;
+  for (const DocumentJson& each : value) {
+    if (!text.empty()) text.append(",");
+    text.append(TextOf(each));
+  }
+  return text;
+}
+
+std::string MemberText(const DocumentJson& object, std::string_view key) {
+  const auto found = object.find(key);
+  return found == object.end() ? std::string() : TextOf(*found);
+}
+
+std::optional<u64> NumberIn(std::string_view text) {
+  u64 number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+DocumentItem ItemOf(const DocumentJson& object, std::span<const std::string_view> labels) {
+  DocumentItem item;
+  item.values.reserve(labels.size() + 1);
+  for (const std::string_view label : labels)
+    item.values.push_back(MemberText(object, label));
+  return item;
+}
+
+void AddExtent(Document& document, const DocumentJson& object) {
+  DocumentItem item = ItemOf(object, kExtentLabels);
+  if (item.values[kExtentKind] == "gap") return;
+  const auto first = NumberIn(item.values[kExtentFirst]);
+  const auto last = NumberIn(item.values[kExtentLast]);
+  const bool sized = first && last && *first <= *last && *last - *first != ~u64{0};
+  item.values.push_back(sized ? std::to_string(*last - *first + 1) : std::string());
+  document.extents.push_back(std::move(item));
+}
+
+void AddStructure(Document& document, const DocumentJson& object) {
+  DocumentItem item = ItemOf(object, kStructureLabels);
+  item.bytes = FromBase64(MemberText(object, "bytes"));
+  const auto sum = crc32(0, item.bytes.data(), static_cast<uInt>(item.bytes.size()));
+  item.values.push_back(item.bytes.empty() ? std::string() : Hex32(sum));
+  if (const auto fields = object.find("fields"); fields != object.end() && fields->is_array()) {
+    for (const DocumentJson& field : *fields) {
+      if (!field.is_object()) continue;
+      item.fields.push_back({MemberText(field, "label"), MemberText(field, "value"),
+                             NumberIn(MemberText(field, "offset")),
+                             NumberIn(MemberText(field, "length")).value_or(0)});
+    }
+  }
+  document.structures.push_back(std::move(item));
+}
+
+// Objects in lists are called by their names where they have one, so that one more in front of them makes no
+// difference.
+std::string NameOf(const DocumentJson& object, std::size_t index) {
+  for (const std::string_view key : {"name", "id", "first"}) {
+    if (std::string name = MemberText(object, key); !name.empty()) return name;
+  }
+  return std::string("#").append(std::to_string(index + 1));
+}
+
+// An item for the object and for each that it holds.
+void AddObject(DocumentItems& items, const DocumentJson& object, const std::string& path) {
+  const std::size_t place = items.size();
+  items.push_back({{path}});
+  for (const auto& [key, value] : object.items()) {
+    if (value.is_object()) {
+      std::string way = path;
+      AddObject(items, value, way.append(".").append(key));
+    } else if (value.is_array() && !value.empty() && value.front().is_object()) {
+      for (std::size_t i = 0; i < value.size(); ++i) {
+        if (!value[i].is_object()) continue;
+        std::string way = path;
+        AddObject(items, value[i],
+                  way.append(".").append(key).append("[").append(NameOf(value[i], i)).append("]"));
+      }
+    } else if (value.is_array()) {
+      for (const DocumentJson& each : value)
+        items[place].fields.push_back({key, TextOf(each)});
+    } else {
+      items[place].fields.push_back({key, TextOf(value)});
+    }
+  }
+}
+
+void AddOthers(Document& document, DocumentJson& root) {
+  if (const auto disk = root.find("disk"); disk != root.end() && disk->is_object()) {
+    disk->erase("path");  // two disks are never at the same place
+    AddObject(document.others, *disk, "disk");
+  }
+  for (const std::string key : {"dynamic_disk", "storage_spaces"}) {
+    if (const auto part = root.find(key); part != root.end() && part->is_object())
+      AddObject(document.others, *part, key);
+  }
+  DocumentItem cut{{"cut"}};
+  if (const auto sentences = root.find("cut"); sentences != root.end() && sentences->is_array()) {
+    for (const DocumentJson& sentence : *sentences)
+      cut.fields.push_back({"cut", TextOf(sentence)});
+  }
+  document.others.push_back(std::move(cut));
+}
+
+}  // namespace
+
+bool LooksLikeDocument(std::string_view head) {
+  if (head.starts_with("\xEF\xBB\xBF")) head.remove_prefix(3);
+  const auto brace = head.find_first_not_of(" \t\r\n");
+  if (brace == std::string_view::npos || head[brace] != '{') return false;
+  const auto next = head.find_first_not_of(" \t\r\n", brace + 1);
+  return next != std::string_view::npos && (head[next] == '"' || head[next] == '}');
+}
+
+std::optional<Document> ParseDocument(std::string_view text, std::string& complaint) {
+  Document document;
+  DocumentJson root;
+  const auto take = [&](const std::string& list, const DocumentJson& item) {
+    if (list == "extents") AddExtent(document, item);
+    if (list == "structures") AddStructure(document, item);
+    if (list == "checks") document.checks.push_back(ItemOf(item, kCheckLabels));
+  };
+  complaint = ReadDocument(text, take, root);
+  if (!complaint.empty()) return std::nullopt;
+  const std::string schema = root.is_object() ? MemberText(root, "schema") : std::string();
+  if (schema != kMapSchema) {
+    complaint = "is a document of another kind: its schema is not \"" + std::string(kMapSchema) + "\"";
+    return std::nullopt;
+  }
+  AddOthers(document, root);
+  return document;
+}
+
+}  // namespace trovisk

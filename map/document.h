@@ -1,0 +1,86 @@
+// A map that was written as JSON, as far as it can be compared with another one.
+
+#ifndef TROVISK_MAP_DOCUMENT_H
+#define TROVISK_MAP_DOCUMENT_H
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/bytes.h"
+
+namespace trovisk {
+
+// A labelled value, as text: numbers in decimal, lists of words with commas.
+struct DocumentField {
+  std::string label;
+  std::string value;
+  std::optional<u64> offset = {};  // bytes from the start of the sector, where the field stands in one place
+  u64 length = 0;                  // bytes
+};
+
+// One extent, structure or check, or one object of what belongs together.
+struct DocumentItem {
+  std::vector<std::string> values;  // in the order of the section's labels
+  std::vector<DocumentField> fields = {};
+  std::vector<u8> bytes = {};  // of a structure's sector
+};
+
+using DocumentItems = std::vector<DocumentItem>;
+
+// Where the values of an item stand.
+enum ExtentValue : std::size_t {
+  kExtentFirst,
+  kExtentLast,
+  kExtentKind,
+  kExtentType,
+  kExtentTypeName,
+  kExtentName,
+  kExtentSource,
+  kExtentFlags,
+  kExtentNumber,
+  kExtentId,
+  kExtentAttributes,
+  kExtentSize,  // sectors; of no member of the document, and empty where the extent is reversed
+};
+enum StructureValue : std::size_t {
+  kStructureSector,
+  kStructureKind,
+  kStructureTitle,
+  kStructureValid,
+  kStructureCount,
+  kStructureMessages,
+  kStructureSum,  // CRC-32 of its bytes; of no member of the document, and empty where there are no bytes
+};
+enum CheckValue : std::size_t { kCheckSector, kCheckName, kCheckVerdict, kCheckFound, kCheckExpected };
+
+// The members of an item that its values come from.
+inline constexpr std::array<std::string_view, 11> kExtentLabels = {
+    "first", "last", "kind", "type", "type_name", "name", "source", "flags", "number", "id", "attributes"};
+inline constexpr std::array<std::string_view, 6> kStructureLabels = {"sector", "structure", "title",
+                                                                     "valid",  "count",     "messages"};
+inline constexpr std::array<std::string_view, 5> kCheckLabels = {"sector", "check", "verdict", "found",
+                                                                 "expected"};
+
+// The gaps are left out: they are what the other extents leave.
+struct Document {
+  DocumentItems extents;
+  DocumentItems structures;
+  DocumentItems checks;
+  // The disk but for its path, what belongs together, what was cut: an item for each object, whose only value
+  // is the way to it: "dynamic_disk.volumes[Volume1]".
+  DocumentItems others;
+};
+
+// Whether a file that begins so is a saved map, not a disk.
+bool LooksLikeDocument(std::string_view head);
+
+// None where the text is no document, or more than a map ever is; then complaint says why, in words that go
+// on behind the file's name. Nothing in it is taken on trust: what is missing is empty.
+std::optional<Document> ParseDocument(std::string_view text, std::string& complaint);
+
+}  // namespace trovisk
+
+#endif
