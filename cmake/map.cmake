@@ -34,3 +34,4 @@ target_include_directories(trovisk_map_core SYSTEM PUBLIC ${map_headers})
 
 add_executable(trovisk-map map/main.cpp)
 target_link_libraries(trovisk-map PRIVATE trovisk_map_core trovisk_system trovisk_catalogue)
+trovisk_add_resources(trovisk-map "Shows what lies where on a disk, and whether it is sound")

@@ -2,19 +2,26 @@
 # is the same whenever and wherever it is made; the .zip takes in the maker's user number and the folder's
 # order, so script/package makes its own.
 
-install(TARGETS trovisk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES README.md CHANGELOG.md LICENSE map/map.schema.json DESTINATION ${CMAKE_INSTALL_DOCDIR})
+set(programs trovisk)
+if(TROVISK_MAP)
+  list(APPEND programs trovisk-map)
+  install(FILES map/map.schema.json packaging/third_party_licenses.txt DESTINATION ${CMAKE_INSTALL_DOCDIR})
+endif()
+install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 if(NOT WIN32)
-  install(FILES man/trovisk.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
-  install(
-    FILES completion/trovisk.bash
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-    RENAME trovisk)
-  install(
-    FILES completion/trovisk.zsh
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
-    RENAME _trovisk)
-  install(FILES completion/trovisk.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  foreach(program IN LISTS programs)
+    install(FILES man/${program}.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+    install(
+      FILES completion/${program}.bash
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+      RENAME ${program})
+    install(
+      FILES completion/${program}.zsh
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
+      RENAME _${program})
+    install(FILES completion/${program}.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  endforeach()
 endif()
 
 set(CPACK_PACKAGE_VENDOR "The Trovisk authors")
@@ -25,7 +32,9 @@ set(CPACK_PACKAGE_DESCRIPTION
 outward from sector 0, prints every field of every structure, names the boot
 code it knows, and lists which sector holds what. It decodes MBR and GPT, FAT,
 NTFS, exFAT, ReFS and BitLocker boot sectors, dynamic disks (LDM), Storage
-Spaces and Storage Replica. It never writes to the disk.")
+Spaces and Storage Replica. trovisk-map shows the whole disk at a glance: what
+lies where, what belongs together, and whether it is sound. Neither ever writes
+to the disk.")
 set(CPACK_RESOURCE_FILE_LICENSE ${CMAKE_SOURCE_DIR}/LICENSE)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_SOURCE_DIR}/packaging/debian/finish_tree.cmake)

@@ -8,6 +8,7 @@
 #include "map/json_map.h"
 #include "map/options.h"
 #include "map/output_file.h"
+#include "map/sfdisk.h"
 #include "map/survey.h"
 #include "map/terminal.h"
 #include "map/text_map.h"
@@ -36,6 +37,8 @@ TextStyle StyleFor(const MapOptions& options) {
 void PrintMap(const DiskMap& map, const MapOptions& options, const Sink& sink) {
   if (options.form == MapForm::kJson) {
     WriteMapAsJson(map, VisitStructures, sink);
+  } else if (options.form == MapForm::kSfdisk) {
+    sink(MapAsSfdisk(map));
   } else {
     sink(MapAsText(map, StyleFor(options)));
   }

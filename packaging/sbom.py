@@ -74,6 +74,13 @@ def main():
     created = datetime.datetime.fromtimestamp(int(os.environ["SOURCE_DATE_EPOCH"]), datetime.timezone.utc)
     glibc = preprocessed("c++", "#include <features.h>\n__GLIBC__.__GLIBC_MINOR__\n")
     mingw = preprocessed(MINGW_CXX, "#include <_mingw.h>\n__MINGW64_VERSION_MAJOR.__MINGW64_VERSION_MINOR\n")
+    cli11 = preprocessed("c++", "#include <CLI/Version.hpp>\nCLI11_VERSION\n")
+    json_version = preprocessed(
+        "c++",
+        "#include <nlohmann/detail/abi_macros.hpp>\n"
+        "NLOHMANN_JSON_VERSION_MAJOR.NLOHMANN_JSON_VERSION_MINOR.NLOHMANN_JSON_VERSION_PATCH\n",
+    )
+    zlib, zlib_windows = (preprocessed(each, "#include <zlib.h>\nZLIB_VERSION\n") for each in ("c++", MINGW_CXX))
     packages = [
         artefact("Sources", version, sources, "SOURCE", sourceInfo="git commit " + commit),
         artefact("Debian", version, deb, "INSTALL"),
@@ -81,6 +88,10 @@ def main():
         library("gcc", "libstdc++ and libgcc", compiler_version("c++"), GCC_LICENSE),
         library("glibc", "glibc", glibc, "LGPL-2.1-or-later"),
         library("gcc-windows", "libstdc++ and libgcc", compiler_version(MINGW_CXX), GCC_LICENSE),
+        library("cli11", "CLI11", cli11, "BSD-3-Clause"),
+        library("nlohmann-json", "nlohmann-json", json_version, "MIT"),
+        library("zlib", "zlib", zlib, "Zlib"),
+        library("zlib-windows", "zlib", zlib_windows, "Zlib"),
         library("mingw-w64", "mingw-w64 runtime and winpthreads", mingw, "NOASSERTION"),
     ]
     relationships = [
@@ -91,6 +102,12 @@ def main():
         ("Windows", "GENERATED_FROM", "Sources"),
         ("Debian", "STATIC_LINK", "gcc"),
         ("Debian", "DYNAMIC_LINK", "glibc"),
+        ("Debian", "DYNAMIC_LINK", "zlib"),
+        ("Debian", "STATIC_LINK", "cli11"),
+        ("Debian", "STATIC_LINK", "nlohmann-json"),
+        ("Windows", "STATIC_LINK", "zlib-windows"),
+        ("Windows", "STATIC_LINK", "cli11"),
+        ("Windows", "STATIC_LINK", "nlohmann-json"),
         ("Windows", "STATIC_LINK", "gcc-windows"),
         ("Windows", "STATIC_LINK", "mingw-w64"),
     ]
