@@ -1,6 +1,7 @@
 #include "tests/support/child.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -71,6 +72,7 @@ Outcome RunChild(const std::function<void()>& body) {
   const std::string errPath = stem + ".err";
 
   std::fflush(nullptr);  // or the child would write it once more
+  malloc_trim(0);        // a child's peak counts from what it has of this process at its birth
   const pid_t child = fork();
   if (child == 0) {
     const int out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
