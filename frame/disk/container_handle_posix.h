@@ -22,10 +22,9 @@ struct ContainerLibrary {
   // The names of its functions: what all begin with, and what follows in those that differ. Null: there is
   // none.
   const char* prefix;
-  const char* read;               // a buffer at an offset
-  const char* extents = nullptr;  // opens the files that hold the bytes, where that is a step of its own
-  const char* parent = nullptr;   // the name of the image that this one rests on
-  const char* adopt = nullptr;    // takes that image
+  const char* read;              // a buffer at an offset
+  const char* parent = nullptr;  // the name of the image that this one rests on
+  const char* adopt = nullptr;   // takes that image
   // Which image a parent is, and which one the child was made from; compared where both are known.
   const char* identity = nullptr;
   const char* parentIdentity = nullptr;

@@ -13,6 +13,7 @@
 #include "frame/disk/container_ewf_posix.h"
 #include "frame/disk/container_handle_posix.h"
 #include "frame/disk/container_qcow_posix.h"
+#include "frame/disk/container_vmdk_posix.h"
 
 namespace trovisk {
 namespace {
@@ -34,7 +35,6 @@ constexpr ContainerLibrary kLibraries[] = {
      .package = "libvmdk1",
      .prefix = "libvmdk_handle",
      .read = "_read_buffer_at_offset",
-     .extents = "_open_extent_data_files",
      .parent = "_get_utf8_parent_filename",
      .adopt = "_set_parent_handle",
      .identity = "_get_content_identifier",
@@ -166,10 +166,7 @@ OpenedContainer OpenChain(const ContainerLibrary& library, const std::string& pa
     return nullptr;
   }
   if (!OpenFile(*container, path, refusal) || !AdoptParent(*container, path, chain, refusal)) return nullptr;
-  if (library.extents != nullptr && !Call(*container, library.extents, container->handle)) {
-    refusal = "names files with its content that are missing or damaged";
-    return nullptr;
-  }
+  if (library.format == ContainerFormat::kVmdk && !OpenVmdkExtents(*container, path, refusal)) return nullptr;
   container->read = Find<ssize_t(void*, void*, std::size_t, i64, void**)>(*container, library.read);
   if (container->read == nullptr ||
       !Call(*container, "_get_media_size", container->handle, &container->length)) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -368,6 +369,40 @@ TEST_F(Containers, EwfSegmentThatIsAFifoIsRefused) {
   const Outcome outcome = Run("evidence.E01");
   EXPECT_NE(outcome.err.find("has a segment that is no regular file: "), std::string::npos) << outcome.err;
   EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_F(Containers, RenamedVmdkOfOneFileIsReadItself) {
+  Convert("old.vmdk", "vmdk");
+  fs::rename(Path("old.vmdk"), Path("new.vmdk"));
+  ExpectReportsOfTheRawImage("new.vmdk");
+  Convert("stream.vmdk", "vmdk", {"-o", "subformat=streamOptimized"});
+  fs::rename(Path("stream.vmdk"), Path("renamed.vmdk"));
+  ExpectReportsOfTheRawImage("renamed.vmdk");
+}
+
+// What has the name that a copy still holds is not the copy's content.
+TEST_F(Containers, CopyOfAVmdkIsReadItself) {
+  Convert("original.vmdk", "vmdk");
+  fs::copy_file(Path("original.vmdk"), Path("copy.vmdk"));
+  Disk(2048).Write(Path("other.img"));
+  Make({"qemu-img", "convert", "-O", "vmdk", Path("other.img"), Path("original.vmdk")});
+  ExpectReportsOfTheRawImage("copy.vmdk");
+}
+
+TEST_F(Containers, VmdkWithoutOneOfItsFilesIsRefused) {
+  Convert("flat.vmdk", "vmdk", {"-o", "subformat=monolithicFlat"});
+  fs::remove(Path("flat-flat.vmdk"));
+  ExpectRefused("flat.vmdk", "is a VMDK image that names the file flat-flat.vmdk, which is missing");
+}
+
+// Nobody may ever write to it: opening it would wait.
+TEST_F(Containers, VmdkThatNamesAFifoIsRefusedAtOnce) {
+  Convert("flat.vmdk", "vmdk", {"-o", "subformat=monolithicFlat"});
+  fs::remove(Path("flat-flat.vmdk"));
+  ASSERT_EQ(mkfifo(Path("flat-flat.vmdk").c_str(), 0600), 0);
+  const auto start = std::chrono::steady_clock::now();
+  ExpectRefused("flat.vmdk", "is a VMDK image that names the file flat-flat.vmdk, which is no regular file");
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
 // Cut at many places, and with many of its bytes changed: no crash, no end that is not the program's own.

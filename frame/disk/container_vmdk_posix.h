@@ -1,0 +1,16 @@
+// What is particular to VMDK images: the files that hold their content.
+
+#ifndef TROVISK_FRAME_DISK_CONTAINER_VMDK_POSIX_H
+#define TROVISK_FRAME_DISK_CONTAINER_VMDK_POSIX_H
+
+#include "frame/disk/container_handle_posix.h"
+
+namespace trovisk {
+
+// Opens the files that the open image at the path names. False where that fails; refusal then says why, in
+// words that go on behind the image's kind.
+bool OpenVmdkExtents(const Container& container, const std::string& path, std::string& refusal);
+
+}  // namespace trovisk
+
+#endif
