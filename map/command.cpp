@@ -4,6 +4,7 @@
 
 #include "frame/report/report.h"
 #include "map/arguments.h"
+#include "map/compare.h"
 #include "map/disk_table.h"
 #include "map/json_map.h"
 #include "map/options.h"
@@ -44,18 +45,19 @@ void PrintMap(const DiskMap& map, const MapOptions& options, const Sink& sink) {
   }
 }
 
-// Prints to standard output, or into the file, which is written whole or not at all. Whether it worked.
-bool PrintTo(const MapOptions& options, const std::function<void(const Sink&)>& print) {
+// Prints to standard output, or into the file, which is written whole or not at all. print says whether what
+// it printed is whole. Whether all of it worked.
+bool PrintTo(const MapOptions& options, const std::function<bool(const Sink&)>& print) {
   if (options.output.empty()) {
-    print([](std::string_view text) { report << text; });
+    const bool whole = print([](std::string_view text) { report << text; });
     report.Flush();
-    return true;
+    return whole;
   }
   std::vector<std::string> read = {options.disk};
   if (!options.other.empty()) read.push_back(options.other);
   OutputFile file;
   bool good = file.Open(options.output, read);
-  if (good) print([&](std::string_view text) { good = good && file.Write(text); });
+  if (good && !print([&](std::string_view text) { good = good && file.Write(text); })) return false;
   good = good && file.Commit();
   if (!good) errors << "trovisk-map: " + file.Complaint();
   return good;
@@ -63,16 +65,39 @@ bool PrintTo(const MapOptions& options, const std::function<void(const Sink&)>& 
 
 int ShowDisks(const MapOptions& options) {
   const bool forPerson = StyleFor(options).forPerson;
-  const bool printed = PrintTo(options, [&](const Sink& sink) { sink(DisksAsText(ListDisks(), forPerson)); });
+  const bool printed = PrintTo(options, [&](const Sink& sink) {
+    sink(DisksAsText(ListDisks(), forPerson));
+    return true;
+  });
   return printed ? 0 : 1;
 }
 
 int ShowMap(const MapOptions& options) {
   const auto map = SurveyDisk(options.disk.c_str());
   if (!map) return 1;
-  const bool printed = PrintTo(options, [&](const Sink& sink) { PrintMap(*map, options, sink); });
+  const bool printed = PrintTo(options, [&](const Sink& sink) {
+    PrintMap(*map, options, sink);
+    return true;
+  });
   CloseSurvey();
   return printed ? map->ExitStatus() : 1;
+}
+
+int ShowDifferences(const MapOptions& options) {
+  int status = kMapsNotCompared;
+  std::string complaint;
+  const bool printed = PrintTo(options, [&](const Sink& sink) {
+    status = CompareMaps(options.other, options.disk, sink, complaint);
+    return status != kMapsNotCompared;
+  });
+  if (!complaint.empty()) errors << "trovisk-map: " + complaint + "\n";
+  return printed ? status : kMapsNotCompared;
+}
+
+int Perform(const MapOptions& options) {
+  if (options.form == MapForm::kList) return ShowDisks(options);
+  if (options.form == MapForm::kCompare) return ShowDifferences(options);
+  return ShowMap(options);
 }
 
 }  // namespace
@@ -82,7 +107,7 @@ int RunMap(int argc, char** argv) {
   errors.Start();
   int status = 1;
   const auto options = TakeOptions(ArgumentsInUtf8(argc, argv), status);
-  if (options) status = options->form == MapForm::kList ? ShowDisks(*options) : ShowMap(*options);
+  if (options) status = Perform(*options);
   report.Flush();
   return status;
 }

@@ -1,6 +1,7 @@
 #include "map/contents.h"
 
 #include <algorithm>
+#include <set>
 
 #include "frame/decoders.h"
 #include "frame/global.h"
@@ -160,6 +161,7 @@ bool HoldsSomething(const Extent& extent, u64 lastOnDisk) {
 
 void ReadContents(DiskMap& map, const PartitionTables& tables, u64 lastOnDisk) {
   std::size_t volumes = 0;
+  std::set<std::pair<u64, u64>> looked;  // two tables may have the same partition
   if (tables.bareVolume) {
     ReadVolume(map, {.sector = 0, .sectors = map.disk.sectors, .lastOnDisk = lastOnDisk});
   } else if (tables.mbr.OfType(kTypeDynamicDisk) != nullptr) {
@@ -167,6 +169,7 @@ void ReadContents(DiskMap& map, const PartitionTables& tables, u64 lastOnDisk) {
   }
   for (const Extent& partition : tables.partitions) {
     if (!HoldsSomething(partition, lastOnDisk)) continue;
+    if (!looked.emplace(partition.first, partition.last).second) continue;
     if (partition.type == kLdmMetadata) {
       ReadDynamicDisk(map, partition.last, lastOnDisk);
       continue;

@@ -45,7 +45,8 @@ of columns separated by tabs in a file or a pipe.
 Exit status:
   0  nothing wrong was found; with --compare: both are the same
   2  something on the disk is bad or missing
-  1  the map could not be made; with --compare: they differ, or likewise
+  1  the map could not be made; with --compare: they differ
+  3  with --compare: one of both is neither a disk nor a map
 )";
 
 constexpr std::string_view kTryHelp = "\"trovisk-map --help\" says how it is called.\n";

@@ -41,7 +41,8 @@ std::vector<StructureField> FieldsOf(const Catcher::Caught& caught) {
   return fields;
 }
 
-Structure Show(Catcher& catcher, const SectorToc::Found& found, u64 lastOnDisk) {
+// Catches the report of one structure alone: who shows it prints to the same report.
+Structure Show(const SectorToc::Found& found, u64 lastOnDisk) {
   const u64 sector = found.first;
   const SectorDecoder decoder = found.entry.decoder;
   Structure structure{.sector = sector,
@@ -57,6 +58,7 @@ Structure Show(Catcher& catcher, const SectorToc::Found& found, u64 lastOnDisk) 
     structure.messages.emplace_back("It lies beyond the end of the disk.");
     return structure;
   }
+  Catcher catcher;
   if (auto bytes = ReadSectors(sector, 1)) structure.bytes = std::move(*bytes);
   catcher.Take();
   u64 next = kEndPass;
@@ -78,8 +80,7 @@ bool AreAlike(const Structure& a, const Structure& b) {
 
 void ShowStructures(const SectorToc& visited, u64 lastOnDisk,
                     const std::function<void(const Structure&)>& show) {
-  report.Start();  // a report of its own: numbers begin as they do there
-  Catcher catcher;
+  report.Start();                    // a report of its own: numbers begin as they do there
   std::optional<Structure> waiting;  // for others like it
   u64 shown = 0;
   BeginPass("structures", 0, lastOnDisk);
@@ -87,7 +88,7 @@ void ShowStructures(const SectorToc& visited, u64 lastOnDisk,
     const auto found = visited.FirstAtOrAfter(position);
     if (!found) break;
     BetweenSectors(found->first);
-    Structure structure = Show(catcher, *found, lastOnDisk);
+    Structure structure = Show(*found, lastOnDisk);
     if (KindOf(found->entry.decoder).alike) structure.count = found->last - found->first + 1;
     position = structure.sector + structure.count;
     if (waiting && AreAlike(*waiting, structure)) {
