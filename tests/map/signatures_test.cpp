@@ -1,5 +1,5 @@
 // Contents without a decoder, named by their signatures. The bytes are laid out here as published; that real
-// ones are named alike is tested with the tools that make them (tests/tools).
+// ones are named alike is tested with the tools that make them (made_by_tools_test.cpp).
 
 #include "map/signatures.h"
 
