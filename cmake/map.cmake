@@ -1,5 +1,9 @@
 # trovisk-map: the survey, on the decoders of the report, with libraries for what is no disk structure.
 
+# Windows gets one file that needs no DLL but the system's.
+if(WIN32)
+  set(ZLIB_USE_STATIC_LIBS ON)
+endif()
 find_package(ZLIB REQUIRED)
 
 # CLI11 and nlohmann-json are headers alone, the same for every system; a cross compiler does not look where

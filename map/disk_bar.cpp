@@ -99,9 +99,11 @@ std::string Labels(const std::vector<Piece>& pieces, const TextStyle& style) {
     blanks += piece.columns;
     if (!piece.number) continue;
     std::string label(1, LetterOf(*piece.number));
-    constexpr std::size_t kLeast = 6;  // the letter, two blanks around a name of three columns
-    if (piece.columns >= kLeast)
-      label.append(" ").append(CutToWidth(piece.label, piece.columns - 3, style.utf8));
+    constexpr std::size_t kBesideName = 3;  // the letter and two blanks
+    constexpr std::size_t kWorthCutting = 8;
+    const std::size_t room = piece.columns - std::min(piece.columns, kBesideName);
+    if (DisplayWidth(piece.label) <= room || room >= kWorthCutting)
+      label.append(" ").append(CutToWidth(piece.label, room, style.utf8));
     line.append(blanks - piece.columns, ' ');
     blanks = piece.columns - DisplayWidth(label);
     line += Coloured(label, ColourOfPartition(*piece.number), style);

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "map/text_map.h"
+#include "map/model.h"
+#include "map/text_style.h"
 
 namespace trovisk {
 

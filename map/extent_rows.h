@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "map/model.h"
 #include "map/text_layout.h"
 
 namespace trovisk {

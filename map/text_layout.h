@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "frame/bytes.h"
-#include "map/text_map.h"
+#include "map/text_style.h"
 
 namespace trovisk {
 
