@@ -12,6 +12,7 @@
 #include "frame/global.h"
 #include "frame/report/field_table.h"
 #include "frame/report/names.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "gpt/gpt_entry_layout.h"
@@ -62,19 +63,26 @@ constexpr KnownPartition kKnownPartitions[] = {
     {kGptRecovery, kStartingLba, IdentifyBootSector, L"Generic Boot Sector"},
 };
 
-void PrintAttributes(u64 attributes) {
+void PrintAttributes(FixedBytes<8> field) {
   report << "\tAttributes            : ";
-  for (const AttributeName& attribute : kAttributeNames) {
-    if ((attributes >> attribute.bit & 1) != 0) report << attribute.name;
+  {
+    const NotedField noted("Attributes", field);
+    const u64 attributes = Le64<0>(field);
+    for (const AttributeName& attribute : kAttributeNames) {
+      if ((attributes >> attribute.bit & 1) != 0) report << attribute.name;
+    }
+    if (attributes == 0) report << "None";
   }
-  if (attributes == 0) report << "None";
   report << LineEnd;
 }
 
 // The whole field, with what stands behind its first NUL; nothing when it begins with one.
 void PrintName(FixedBytes<kNameSize> name) {
   report << "\tPartition Name        : [";
-  if (Le16<0>(name) != 0) PrintUtf16(name);
+  {
+    const NotedField noted("Partition Name", name);
+    if (Le16<0>(name) != 0) PrintUtf16(name);
+  }
   report << " ]" << LineEnd;
 }
 
@@ -91,7 +99,7 @@ void PrintReport(EntryView entry) {
   const u64 sectors = Le64<kEndingLba>(entry) - Le64<kStartingLba>(entry) + 1;
   const u64 bytes = sectors * disk.bytesPerSector;
   report << "\tPartition Size        : " << (bytes >> 20) << " (MiB)" << LineEnd;
-  PrintAttributes(Le64<kAttributes>(entry));
+  PrintAttributes(Part<kAttributes, 8>(entry));
   PrintName(Part<kName, kNameSize>(entry));
   report << LineEnd;
 }

@@ -1,6 +1,7 @@
 #include "ldm/vblk_fields.h"
 
 #include "frame/global.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 
 namespace trovisk {
@@ -20,13 +21,19 @@ u64 FieldCursor::Number(u64 width) {
 
 void PrintTextLine(std::string_view label, Bytes text, std::string_view suffix) {
   report << label;
-  PrintChars(text);
+  {
+    const NotedField noted(label, text);
+    PrintChars(text);
+  }
   report << suffix << LineEnd;
 }
 
 void PrintIdentifierLine(std::string_view label, Bytes identifier) {
   report << label;
-  PrintHexBytes(identifier);
+  {
+    const NotedField noted(label, identifier);
+    PrintHexBytes(identifier);
+  }
   report << LineEnd;
 }
 
@@ -36,7 +43,10 @@ void PrintNumberLine(std::string_view label, u64 number, std::string_view suffix
 
 void PrintGuidLine(std::string_view label, Bytes guid) {
   report << label;
-  PrintStoredGuid(guid);
+  {
+    const NotedField noted(label, guid);
+    PrintStoredGuid(guid);
+  }
   report << " }" << LineEnd;
 }
 

@@ -11,6 +11,7 @@
 #include "frame/decoders.h"
 #include "frame/global.h"
 #include "frame/report/names.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/report.h"
 
 namespace trovisk {
@@ -43,7 +44,8 @@ constexpr KnownPartition kKnownPartitions[] = {
     {0xDE, DecodeFatBootSector, L"Dell Utility Partition"},
 };
 
-void PrintChs(FixedBytes<3> chs) {
+void PrintChs(std::string_view label, FixedBytes<3> chs) {
+  const NotedField noted(label, chs);
   const unsigned cylinder = (chs[1] & 0xC0U) * 4 + chs[2];
   report << cylinder << "/" << chs[0] << "/" << (chs[1] & 0x3FU);
 }
@@ -54,21 +56,38 @@ void PrintReport(FixedBytes<kPartitionEntrySize> entry) {
     report << "\tEmpty" << LineEnd << LineEnd;
     return;
   }
-  report << (U8<kBootIndicator>(entry) == kActive ? "\tActive   " : "\tInactive ");
-  report << "[ " << PartitionTypeName(type) << " ]" << LineEnd;
+  report << "\t";
+  {
+    const NotedField noted("Boot Indicator", Part<kBootIndicator, 1>(entry));
+    report << (U8<kBootIndicator>(entry) == kActive ? "Active   " : "Inactive ");
+  }
+  report << "[ ";
+  {
+    const NotedField noted("Partition Type", Part<kEntryType, 1>(entry));
+    report << PartitionTypeName(type);
+  }
+  report << " ]" << LineEnd;
   report << "\tC/H/S ";
-  PrintChs(Part<kStartChs, 3>(entry));
+  PrintChs("First C/H/S", Part<kStartChs, 3>(entry));
   report << " - ";
-  PrintChs(Part<kEndChs, 3>(entry));
+  PrintChs("Last C/H/S", Part<kEndChs, 3>(entry));
   report << LineEnd;
 
   const u32 first = Le32<kFirstSector>(entry);
   const u32 count = Le32<kSectorCount>(entry);
-  report << "\tPartition Sectors [ " << first << " - ";
-  if (count == kCountLarge) {
-    report << "LARGE";
-  } else {
-    report << first + count - 1;
+  report << "\tPartition Sectors [ ";
+  {
+    const NotedField noted("First Sector", Part<kFirstSector, 4>(entry));
+    report << first;
+  }
+  report << " - ";
+  {
+    const NotedField noted("Last Sector", Part<kSectorCount, 4>(entry));  // by the number of them
+    if (count == kCountLarge) {
+      report << "LARGE";
+    } else {
+      report << first + count - 1;
+    }
   }
   report << " ]" << LineEnd << LineEnd;
 }
