@@ -16,6 +16,11 @@ namespace {
 
 constexpr off_t kSectorSize = 512;
 
+// Systems copy faster to the start of one.
+struct alignas(4096) Page {
+  std::array<char, 4096> bytes;
+};
+
 bool ReadSector(int disk, off_t sector) {
   alignas(64) std::array<char, kSectorSize> bytes;  // as the program's is
   return pread(disk, bytes.data(), bytes.size(), sector * kSectorSize) == kSectorSize;
@@ -26,11 +31,11 @@ int Dump(int disk, std::size_t textSize) {
   constexpr std::size_t kRead = std::size_t{256} * 1024;
   constexpr std::size_t kWrite = std::size_t{64} * 1024;
   const std::vector<char> text(textSize, '.');
-  std::vector<char> bytes(kRead);
+  std::vector<Page> pages(kRead / sizeof(Page));
   std::vector<char> out(kWrite + textSize);
   std::size_t used = 0;
   for (off_t offset = 0;; offset += kRead) {
-    const ssize_t got = pread(disk, bytes.data(), bytes.size(), offset);
+    const ssize_t got = pread(disk, pages.data(), kRead, offset);
     if (got <= 0) break;
     for (ssize_t sector = 0; sector < got / kSectorSize; ++sector) {
       std::memcpy(out.data() + used, text.data(), textSize);

@@ -104,8 +104,7 @@ std::optional<BootSector> FindBootSector(VolumeFindings& findings, const VolumeP
 }
 
 Check CheckBootEndMark(u64 sector, std::string_view name, SectorView boot) {
-  const auto text = [](u64 mark) { return "0x" + Hex32(mark).substr(6); };
-  return CheckEqual(sector, name, text(Be16<kEndMarkOffset>(boot)), text(0x55AA));
+  return CheckEqual(sector, name, Hex16(Be16<kEndMarkOffset>(boot)), Hex16(0x55AA));
 }
 
 Check CheckVolumeSize(u64 sector, std::string_view name, u64 volume, std::optional<u64> most) {
@@ -141,6 +140,10 @@ Check CheckMagic(u64 sector, std::string_view name, Bytes found, std::string_vie
 
 std::string Hex8(u64 value) {
   return "0x" + Hex32(value).substr(8);
+}
+
+std::string Hex16(u64 value) {
+  return "0x" + Hex32(value).substr(6);
 }
 
 std::string HexOffset(u64 offset) {

@@ -77,8 +77,9 @@ Check CheckCopy(u64 sector, std::string_view name, Bytes original, Bytes copy, s
 // A signature of printable characters. Zeros in place of it: missing.
 Check CheckMagic(u64 sector, std::string_view name, Bytes found, std::string_view expected);
 
-// Two or three digits, capitals, behind "0x": a byte, and an offset in a sector.
+// Two and four digits, and three or four for an offset, capitals, behind "0x".
 std::string Hex8(u64 value);
+std::string Hex16(u64 value);
 std::string HexOffset(u64 offset);
 
 // A check of something that cannot be read.

@@ -83,10 +83,20 @@ bool Global::Seek(u64 offset) {
   return true;
 }
 
+Bytes Global::Take(u64 count) {
+  const Bytes taken = TakeReadAhead(device_, static_cast<u32>(count));
+  bytesRead += taken.size();
+  return taken;
+}
+
 bool Global::ReadExactly(u8* buffer, u64 count) {
+  if (const Bytes taken = Take(count); !taken.empty()) {
+    std::memcpy(buffer, taken.data(), taken.size());
+    return true;
+  }
   u32 got = 0;
   const u32 wanted = static_cast<u32>(count);
-  if (!IsReadAhead(device_, wanted)) report.Flush();
+  report.Flush();
   if (const ErrorCode error = ReadDevice(device_, buffer, wanted, got); error != 0) {
     EndIfInterrupted();  // which may have cut the read short
     NoteFailedRead();

@@ -28,7 +28,7 @@ class Global {
   // How a run finds it: closed, never opened, without a sector size, nothing registered.
   void Reset();
 
-  // The five operations on the disk. Those that can fail print one error line when they do.
+  // The operations on the disk. Those that can fail print one error line when they do.
 
   // Opens the disk and learns its sector size. path is the text shown, argument the disk argument in it.
   bool Open(WideText path, const char* argument);
@@ -42,6 +42,10 @@ class Global {
   // Reads count bytes into buffer. Below the sector size one whole sector is read and its first count bytes
   // kept, so the position moves on by whole sectors.
   bool Read(u8* buffer, u64 count);
+
+  // A read that costs neither a question to the system nor a copy: all of the bytes, which are there until
+  // the next read, or none, where Read has to ask.
+  Bytes Take(u64 count);
 
   // Closes the disk; harmless when it is closed.
   bool Close();

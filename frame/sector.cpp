@@ -23,6 +23,14 @@ std::span<u8> SectorBuffer() {
   return {static_cast<u8*>(start), disk.bytesPerSector};
 }
 
+// The sector at the disk's position, where it stands if that is in memory; none after a failure.
+std::optional<Bytes> ReadSector() {
+  if (const Bytes taken = disk.Take(disk.bytesPerSector); !taken.empty()) return taken;
+  const std::span<u8> bytes = SectorBuffer();
+  if (!ReadRecord(bytes)) return std::nullopt;
+  return bytes;
+}
+
 }  // namespace
 
 bool SeekToSector(u64 sector) {
@@ -62,13 +70,13 @@ u64 DumpAsRawSectorAndGoOn(u64 sector, bool print) {
 
 u64 DumpRawSector(WideText description, u64 sector, bool print) {
   if (!print) return sector + 1;
-  const std::span<u8> bytes = SectorBuffer();
   PrintSectorHeader(description, sector);
-  if (!ReadRecord(bytes)) return kEndPass;
-  if (AllZero(bytes)) {
+  const auto bytes = ReadSector();
+  if (!bytes) return kEndPass;
+  if (AllZero(*bytes)) {
     report << "... empty ..." << LineEnd;
   } else {
-    PrintListing(bytes);
+    PrintListing(*bytes);
   }
   return sector + 1;
 }

@@ -153,8 +153,8 @@ struct BitLockerLayout {
 };
 
 constexpr BitLockerLayout kLayouts[] = {
-    {0x52, "Windows Vista Bitlocker Boot Sector", PrintVista},
-    {0x58, "Windows 7 Bitlocker Boot Sector", PrintSeven},
+    {kBitLockerJumpVista, "Windows Vista Bitlocker Boot Sector", PrintVista},
+    {kBitLockerJumpSeven, "Windows 7 Bitlocker Boot Sector", PrintSeven},
 };
 
 const BitLockerLayout* LayoutOf(SectorView boot) {

@@ -25,9 +25,11 @@ constexpr u64 kChecksumSector = 11;
 constexpr u64 kBackupRegion = 12;
 constexpr u64 kFirstFat = 24;  // the first place where it can be
 
+constexpr u64 kLengthLimit = u64{1} << 51;  // times the largest sector: 2^63
+
 constexpr std::string_view kBackupName = "exFAT backup boot sector";
 
-// In the volume's sectors, but for the first and last two.
+// In the volume's sectors, but for the first and the last two. Nothing here overflows: the length is bounded.
 struct Geometry {
   u64 bytesPerSector = 0;
   u64 length = 0;
@@ -63,6 +65,9 @@ std::string Complaint(SectorView boot) {
   if (sectorShift < 9 || sectorShift > 12) return "a sector shift of " + std::to_string(sectorShift);
   if (clusterShift > 25 - sectorShift) return "a cluster shift of " + std::to_string(clusterShift);
   if (fats != 1 && fats != 2) return std::to_string(fats) + " FATs";
+  if (const u64 length = Le64<kExFatVolumeLength>(boot); length == 0 || length >= kLengthLimit) {
+    return "a volume length of " + std::to_string(length);
+  }
   return {};
 }
 
@@ -165,7 +170,7 @@ VolumeFindings ExamineExFat(const VolumePlace& place) {
   const SectorView boot(found->bytes);
   const Geometry geometry = Compute(boot);
   const u64 sector = DiskSectorAt(place, found->offset);
-  findings.sectors = DiskSectors(Product(geometry.length, geometry.bytesPerSector).value_or(0));
+  findings.sectors = DiskSectors(geometry.length * geometry.bytesPerSector);
   AddAreas(findings, place, geometry);
   findings.checks.push_back(CheckBootEndMark(sector, "exFAT end mark", boot));
   const std::string misfit = Misfit(geometry);

@@ -8,6 +8,7 @@
 // the volume and begin with "FILE", that their first records agree. Not checked: the boot code in the sectors
 // behind the first one, and what the records say.
 
+#include <algorithm>
 #include <bit>
 
 #include "frame/examine_volume.h"

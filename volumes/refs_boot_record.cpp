@@ -16,8 +16,6 @@
 namespace trovisk {
 namespace {
 
-constexpr u8 kFirstVersionWithSuperblock = 3;  // that the superblock decoder understands
-
 constexpr FieldRow kVolumeFields[] = {
     {"Jmp                   : ", kJump, HexBytes(3), " (Zeroes until ReFS boot is supported)"},
     {"FS Name               : [ ", kOemName, Chars(8), " ]"},
@@ -70,7 +68,7 @@ void Register(SectorView boot, WideText description, u64 sector) {
   AddTocEntry(disk, sector, DecodeReFsBackupBootRecord, description);
   AddTocEntry(disk, sector + Le64<kReFsSectorCount>(boot) - 1, DecodeReFsBackupBootRecord,
               L"Backup ReFS Volume Boot Record");
-  if (U8<kReFsVersionMajor>(boot) < kFirstVersionWithSuperblock) return;
+  if (U8<kReFsVersionMajor>(boot) < kReFsFirstVersionWithSuperblock) return;
   AddTocEntry(disk, sector + kReFsSuperblockCluster * Le32<kReFsSectorsPerCluster>(boot),
               DecodeReFsSuperblock, L"ReFS SUPB Sector");
 }

@@ -9,6 +9,7 @@
 #include "frame/report/field_table.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "volumes/refs_layout.h"
 #include "volumes/refs_page.h"
 
 namespace trovisk {
@@ -23,7 +24,6 @@ constexpr std::size_t kVersionMajor = 0x54;          // u16
 constexpr std::size_t kVersionMinor = 0x56;          // u16
 constexpr std::size_t kSelfDescriptorOffset = 0x58;  // u32, bytes from the start of the page
 constexpr std::size_t kSelfDescriptorLength = 0x5C;  // u32, bytes
-constexpr std::size_t kCheckpointClock = 0x60;       // u64
 constexpr std::size_t kAllocatorClock = 0x68;        // u64
 constexpr std::size_t kOldestLogRecord = 0x70;       // u64
 constexpr std::size_t kUnknown = 0x78;               // u64
@@ -55,7 +55,7 @@ constexpr FieldRow kDescriptorLengthField[] = {
     {"Length Of Self-Descriptor   : ", kSelfDescriptorLength, kLe32},
 };
 constexpr FieldRow kClockFields[] = {
-    {"Checkpoint Virtual Clock    : ", kCheckpointClock, kLe64},
+    {"Checkpoint Virtual Clock    : ", kReFsCheckpointClock, kLe64},
     {"Allocator Virtual Clock     : ", kAllocatorClock, kLe64},
 };
 constexpr FieldRow kCountFields[] = {

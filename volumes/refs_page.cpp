@@ -9,12 +9,12 @@
 
 #include "frame/report/field_table.h"
 #include "frame/report/verbs.h"
+#include "volumes/refs_layout.h"
 
 namespace trovisk {
 namespace {
 
 // Page header.
-constexpr std::size_t kSignature = 0x00;        // 4 bytes
 constexpr std::size_t kUnknown = 0x04;          // u32
 constexpr std::size_t kVolumeSignature = 0x0C;  // u32
 constexpr std::size_t kAllocatorClock = 0x10;   // u64
@@ -24,7 +24,7 @@ constexpr std::size_t kTableIdHigh = 0x40;      // u64
 constexpr std::size_t kTableIdLow = 0x48;       // u64
 
 constexpr FieldRow kHeaderFields[] = {
-    {"Page Signature              : [", kSignature, Chars(4), "]"},
+    {"Page Signature              : [", kReFsPageSignature, Chars(4), "]"},
     {"Unknown                     : 0x", kUnknown, ReversedHexBytes(4)},
     {"Volume Signature            : 0x", kVolumeSignature, ReversedHexBytes(4)},
     {"Virtual Allocator Clock     : ", kAllocatorClock, kLe64},

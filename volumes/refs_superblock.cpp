@@ -9,6 +9,7 @@
 #include "frame/report/field_table.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
+#include "volumes/refs_layout.h"
 #include "volumes/refs_page.h"
 #include "volumes/volumes_state.h"
 
@@ -17,16 +18,14 @@ namespace {
 
 constexpr std::size_t kGuid = 0x50;                  // 16 bytes
 constexpr std::size_t kVersion = 0x68;               // u64
-constexpr std::size_t kReferencesOffset = 0x70;      // u32, bytes from the start of the page
-constexpr std::size_t kReferenceCount = 0x74;        // u32
 constexpr std::size_t kSelfDescriptorOffset = 0x78;  // u32, bytes from the start of the page
 constexpr std::size_t kSelfDescriptorLength = 0x7C;  // u32, bytes
 
 constexpr FieldRow kFields[] = {
     {"Unknown GUID                : {", kGuid, kGuidText, "}"},
     {"Superblock Version          : ", kVersion, kLe64},
-    {"Offset to Checkpoint Refs   : 0x", kReferencesOffset, ReversedHexBytes(4)},
-    {"Number Of Checkpoint Refs   : ", kReferenceCount, kLe32},
+    {"Offset to Checkpoint Refs   : 0x", kReFsReferencesOffset, ReversedHexBytes(4)},
+    {"Number Of Checkpoint Refs   : ", kReFsReferenceCount, kLe32},
 };
 constexpr FieldRow kSelfDescriptorFields[] = {
     {"Offset To Self-Descriptor   : 0x", kSelfDescriptorOffset, ReversedHexBytes(4)},
@@ -34,20 +33,18 @@ constexpr FieldRow kSelfDescriptorFields[] = {
 };
 static_assert(FieldsFit(kFields, 512) && FieldsFit(kSelfDescriptorFields, 512));
 
-// The clusters of the checkpoints, as a list of u64. It ends at the first that was not read as a whole.
-constexpr std::size_t kReferenceSize = 8;
-
+// The list ends at the first reference that was not read as a whole.
 std::size_t ReferenceCount(Bytes references) {
-  return references.size() / kReferenceSize;
+  return references.size() / kReFsReferenceSize;
 }
 
 u64 Reference(Bytes references, std::size_t index) {
-  return Le64At(references, index * kReferenceSize);
+  return Le64At(references, index * kReFsReferenceSize);
 }
 
 Bytes References(SectorView page) {
-  const u64 count = Le32<kReferenceCount>(page);
-  return SliceAt(page, Le32<kReferencesOffset>(page), count * kReferenceSize);
+  const u64 count = Le32<kReFsReferenceCount>(page);
+  return SliceAt(page, Le32<kReFsReferencesOffset>(page), count * kReFsReferenceSize);
 }
 
 void PrintReport(SectorView page) {

@@ -43,9 +43,9 @@ ErrorCode QueryLength(const Device& device, u64& bytes);
 // lies beyond the end of the disk shows in the read, not here.
 ErrorCode SeekDevice(Device& device, u64 offset, u64& landed);
 
-// Whether a read of so many bytes at the position is answered from what an image has read ahead, without
-// asking.
-bool IsReadAhead(const Device& device, u32 count);
+// A read at the position that is answered from what an image has read ahead, without asking and without a
+// copy: all of the bytes, which are there until the next read, or none, and then the position stays.
+Bytes TakeReadAhead(Device& device, u32 count);
 
 // Reads count bytes at the position and moves it by got, the bytes that were really read.
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got);

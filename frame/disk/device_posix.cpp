@@ -124,8 +124,8 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
   return 0;
 }
 
-bool IsReadAhead(const Device& device, u32 count) {
-  return device.image != nullptr && device.image->Holds(device.position, count);
+Bytes TakeReadAhead(Device& device, u32 count) {
+  return device.image != nullptr ? TakeOfImage(device, count) : Bytes();
 }
 
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {

@@ -35,10 +35,14 @@ u32 Image::SectorSize() {
 bool Image::ReadAhead(u64 offset, std::size_t count) {
   ahead_ = std::clamp(ahead_ * 2, kFirstReadAhead, kMostReadAhead);
   if (count > ahead_ / 2) return false;
-  held_.resize(ahead_);
+  room_.resize(ahead_ / sizeof(Page));
+  u8* const room = room_.data()->bytes.data();
+  // Up to the end of a page, so that the next one begins with one.
+  const std::size_t behind = offset % sizeof(Page);
+  const std::size_t wanted = ahead_ - (behind + count <= ahead_ ? behind : 0);
   std::size_t got = 0;
-  if (source_.read(source_.state, offset, held_.data(), held_.size(), got) != 0) got = 0;
-  held_.resize(got);
+  if (source_.read(source_.state, offset, room, wanted, got) != 0) got = 0;
+  held_ = {room, got};
   start_ = offset;
   if (got < count) ahead_ = 0;  // the next run of reads begins small again
   return got >= count;
@@ -50,11 +54,11 @@ ErrorCode Image::Read(u64 offset, u8* buffer, std::size_t count, std::size_t& go
   if (!Holds(offset, count)) {
     if (!follows) ahead_ = 0;
     if (!follows || !ReadAhead(offset, count)) {
-      held_.clear();
+      held_ = {};
       return source_.read(source_.state, offset, buffer, count, got);
     }
   }
-  std::memcpy(buffer, held_.data() + (offset - start_), count);
+  std::memcpy(buffer, Take(offset, count).data(), count);
   got = count;
   return 0;
 }

@@ -146,6 +146,12 @@ ErrorCode OpenImage(Device& device, const FileCalls& calls, const std::string& p
   return 0;
 }
 
+Bytes TakeOfImage(Device& device, u32 count) {
+  const Bytes taken = device.image->Take(device.position, count);
+  device.position += taken.size();
+  return taken;
+}
+
 ErrorCode ReadImage(Device& device, u8* buffer, u32 count, u32& got) {
   std::size_t bytes = 0;
   const ErrorCode error = device.image->Read(device.position, buffer, count, bytes);

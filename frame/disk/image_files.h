@@ -29,7 +29,8 @@ struct FileCalls {
 // holds. The file is taken over whatever the result.
 ErrorCode OpenImage(Device& device, const FileCalls& calls, const std::string& path, const ImageSource& file);
 
-// ReadDevice of an image.
+// TakeReadAhead and ReadDevice of an image.
+Bytes TakeOfImage(Device& device, u32 count);
 ErrorCode ReadImage(Device& device, u8* buffer, u32 count, u32& got);
 
 }  // namespace trovisk

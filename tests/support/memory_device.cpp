@@ -187,8 +187,8 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed) {
   return 0;
 }
 
-bool IsReadAhead(const Device& /*device*/, u32 /*count*/) {
-  return false;
+Bytes TakeReadAhead(Device& /*device*/, u32 /*count*/) {
+  return {};
 }
 
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got) {
