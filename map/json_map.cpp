@@ -161,6 +161,8 @@ void WriteStorageSpaces(JsonWriter& json, const StorageSpaces& spaces) {
   json.Member("disk_guid", spaces.diskGuid);
   json.Member("pool_guid", spaces.poolGuid);
   json.Member("pool_name", spaces.poolName);
+  json.Member("pool_type", spaces.poolType);
+  json.Member("spaceport_guid", spaces.spaceportGuid);
   WriteAreas(json, spaces.areas);
   json.OpenList("objects");
   for (const SpacesObject& object : spaces.objects) {

@@ -68,6 +68,7 @@ void AddStorageSpaces(DiskMap& map) {
   StorageSpaces& spaces = map.storageSpaces.emplace();
   spaces.sector = spaces.partitionLast = kMost;
   spaces.diskGuid = spaces.poolGuid = spaces.poolName = harmful;
+  spaces.poolType = spaces.spaceportGuid = harmful;
   spaces.areas = {{0, kMost, harmful}};
   spaces.objects = {{kMost, harmful, harmful, harmful, kMost}, {}};
   spaces.remarks = {harmful};
