@@ -61,24 +61,30 @@ void RegisterTables(const PartitionTables& tables) {
 
 // Partitions that the report's reading of an extended chain finds and the usual one does not.
 void AddOtherReading(DiskMap& map, const PartitionTables& tables) {
-  for (u64 position = 0;;) {
-    const auto found = visited.FirstAtOrAfter(position);
-    if (!found) break;
-    position = found->entry.decoder == DecodeExtendedBootRecord ? found->first + 1 : found->last + 1;
+  u64 found = 0;
+  for (u64 position = 0; position <= lastOnDisk;) {
+    const auto run = visited.FirstAtOrAfter(position);
+    if (!run || run->first > lastOnDisk) break;
+    const bool extended = run->entry.decoder == DecodeExtendedBootRecord;
+    position = (extended ? run->first : run->last) + 1;
     if (position == 0) break;
-    if (found->entry.decoder != DecodeExtendedBootRecord || tables.extendedRecords.At(found->first)) continue;
-    const auto record = ReadExtendedRecord(found->first);
-    if (!record.endMark || !record.plausible || !record.logical) continue;
+    if (!extended || tables.extendedRecords.At(run->first)) continue;
+    const auto record = ReadExtendedRecord(run->first);
+    if (!record.endMark || !record.plausible || !record.logical || ++found > kMostLogical) continue;
     const MbrPartition& logical = *record.logical;
     map.extents.push_back({.first = logical.first,
                            .last = logical.first + std::max<u64>(logical.count, 1) - 1,
                            .kind = ExtentKind::kLogical,
                            .flags = kFlagOtherReading,
-                           .source = "EBR at sector " + std::to_string(found->first)});
+                           .source = "EBR at sector " + std::to_string(run->first)});
+  }
+  if (found > kMostLogical) {
+    map.cut.push_back("Of " + std::to_string(found) + " logical partitions of another reading the first " +
+                      std::to_string(kMostLogical) + " are shown.");
   }
 }
 
-DiskMap Survey(const char* argument) {
+DiskMap Survey(const char* argument, Catcher& catcher) {
   DiskMap map;
   map.disk.path = SafeUtf8(argument);
   map.disk.sectorSize = disk.bytesPerSector;
@@ -98,7 +104,7 @@ DiskMap Survey(const char* argument) {
   std::move(tables.checks.begin(), tables.checks.end(), std::back_inserter(map.checks));
   std::move(tables.cut.begin(), tables.cut.end(), std::back_inserter(map.cut));
 
-  WalkResult walk = WalkDisk(tables.extendedRecords, lastOnDisk, map.checks);
+  WalkResult walk = WalkDisk(tables.extendedRecords, lastOnDisk, catcher, map.checks);
   visited = std::move(walk.structures);
   map.structures = walk.count;
   map.invalidStructures = walk.invalid;
@@ -135,7 +141,7 @@ std::optional<DiskMap> SurveyDisk(const char* argument) {
     return std::nullopt;
   }
   Catcher catcher;
-  return Survey(argument);
+  return Survey(argument, catcher);
 }
 
 void VisitStructures(const std::function<void(const Structure&)>& visit) {

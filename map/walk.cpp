@@ -1,6 +1,8 @@
 #include "map/walk.h"
 
 #include <algorithm>
+#include <unordered_set>
+#include <utility>
 
 #include "frame/decoders.h"
 #include "frame/global.h"
@@ -79,8 +81,12 @@ std::string MessageOf(const Catcher::Caught& caught) {
 
 class Walk {
  public:
-  Walk(const SectorToc& extendedRecords, u64 lastOnDisk, std::vector<Check>& checks)
-      : extendedRecords_(extendedRecords), lastOnDisk_(lastOnDisk), checks_(checks) {}
+  Walk(const SectorToc& extendedRecords, u64 lastOnDisk, Catcher& catcher, std::vector<Check>& checks)
+      : extendedRecords_(extendedRecords), lastOnDisk_(lastOnDisk), catcher_(catcher), checks_(checks) {
+    for (const Check& check : checks) {
+      if (check.verdict == Verdict::kBad || check.verdict == Verdict::kMissing) judged_.insert(check.sector);
+    }
+  }
 
   WalkResult Run() {
     BeginPass("surveying", 0, lastOnDisk_);
@@ -97,11 +103,14 @@ class Walk {
   }
 
  private:
-  // Visits all that is registered and not visited yet, in ascending order; whether there was anything.
+  // Visits all that is registered and not visited yet, in ascending order; whether there was anything. What
+  // is registered meanwhile is visited too where it lies ahead, else in the next round: each registration is
+  // looked at in one round or two, however long a chain leads backwards.
   bool Round() {
+    const SectorToc waiting = std::exchange(disk.toc, SectorToc());
     bool any = false;
     u64 position = 0;
-    while (const auto next = disk.toc.FirstAtOrAfter(position)) {
+    while (const auto next = First(waiting, disk.toc, position)) {
       if (const auto done = result_.structures.FirstAtOrAfter(next->first);
           done && done->first == next->first) {
         if (done->last == ~u64{0}) break;
@@ -113,6 +122,22 @@ class Walk {
       if (!Visit(*next, position)) break;
     }
     return any;
+  }
+
+  // The next sector of either table; of a sector of both the earlier registration counts.
+  static std::optional<SectorToc::Found> First(const SectorToc& earlier, const SectorToc& later,
+                                               u64 position) {
+    auto found = earlier.FirstAtOrAfter(position);
+    const auto other = later.FirstAtOrAfter(position);
+    if (!found || (other && other->first < found->first)) return Until(other, found);
+    return found;
+  }
+
+  // The run without what the other table has.
+  static std::optional<SectorToc::Found> Until(std::optional<SectorToc::Found> run,
+                                               const std::optional<SectorToc::Found>& other) {
+    if (run && other) run->last = std::min(run->last, other->first - 1);
+    return run;
   }
 
   // position: receives the sector to go on with. False where there is none.
@@ -161,13 +186,6 @@ class Walk {
     return {.decoded = true, .valid = false, .message = valid ? "unreadable" : MessageOf(caught)};
   }
 
-  // Whether another check says already that something is wrong there.
-  bool IsJudged(u64 sector) const {
-    return std::any_of(checks_.begin(), checks_.end(), [&](const Check& check) {
-      return check.sector == sector && (check.verdict == Verdict::kBad || check.verdict == Verdict::kMissing);
-    });
-  }
-
   void Count(u64 first, u64 last, const Reader& reader, const Outcome& outcome) {
     result_.structures.Add(first, last, reader.decoder, reader.title);
     ++result_.count;
@@ -176,7 +194,7 @@ class Walk {
     const StructureKind& kind = KindOf(reader.decoder);
     if (kind.optional) return;
     const bool otherReading = reader.decoder == DecodeExtendedBootRecord && !extendedRecords_.At(first);
-    if (otherReading || IsJudged(first) || ++invalidChecks_ > kMostInvalid) return;
+    if (otherReading || judged_.contains(first) || ++invalidChecks_ > kMostInvalid) return;
     const auto bytes = outcome.decoded ? ReadSectors(first, 1) : std::nullopt;
     const bool blank = bytes && AllZero(*bytes);
     Check check{first, "structure is valid", bytes ? Verdict::kBad : Verdict::kMissing, outcome.message,
@@ -190,8 +208,9 @@ class Walk {
 
   const SectorToc& extendedRecords_;
   u64 lastOnDisk_;
+  Catcher& catcher_;
   std::vector<Check>& checks_;
-  Catcher catcher_;
+  std::unordered_set<u64> judged_;  // sectors of which another check says already that something is wrong
   WalkResult result_;
   u64 visits_ = 0;
   u64 alikeVisits_ = 0;
@@ -201,8 +220,9 @@ class Walk {
 
 }  // namespace
 
-WalkResult WalkDisk(const SectorToc& extendedRecords, u64 lastOnDisk, std::vector<Check>& checks) {
-  return Walk(extendedRecords, lastOnDisk, checks).Run();
+WalkResult WalkDisk(const SectorToc& extendedRecords, u64 lastOnDisk, Catcher& catcher,
+                    std::vector<Check>& checks) {
+  return Walk(extendedRecords, lastOnDisk, catcher, checks).Run();
 }
 
 }  // namespace trovisk

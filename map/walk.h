@@ -8,6 +8,7 @@
 
 #include "frame/examination.h"
 #include "frame/toc.h"
+#include "map/catcher.h"
 
 namespace trovisk {
 
@@ -19,9 +20,11 @@ struct WalkResult {
 };
 
 // Visits what is registered in the disk's table of contents and what that registers in turn, again and again
-// until nothing is new. extendedRecords: those of the usual chains; others must look like one. A structure
-// that is invalid or cannot be read becomes a check.
-WalkResult WalkDisk(const SectorToc& extendedRecords, u64 lastOnDisk, std::vector<Check>& checks);
+// until nothing is new; the table is empty then. extendedRecords: those of the usual chains; others must look
+// like one. catcher: the one that lives; it receives what the decoders print. A structure that is invalid or
+// cannot be read becomes a check.
+WalkResult WalkDisk(const SectorToc& extendedRecords, u64 lastOnDisk, Catcher& catcher,
+                    std::vector<Check>& checks);
 
 }  // namespace trovisk
 
