@@ -32,30 +32,49 @@ Extent ExtentOf(const MbrPartition& partition, ExtentKind kind) {
   return extent;
 }
 
-void ReadExtended(PartitionTables& tables, const MbrPartition& outermost) {
-  u64 logical = 0;
+// What a record states behind its logical partition: nobody means it where it leads out of the extended
+// partition.
+void AddOthers(PartitionTables& tables, const MbrPartition& outermost, const ExtendedRecord& record) {
+  for (const MbrPartition& other : record.others) {
+    if (other.first + other.count > outermost.first + outermost.count) continue;
+    Extent extent = ExtentOf(other, ExtentKind::kLogical);
+    extent.flags |= kFlagOtherReading;
+    extent.source =
+        "EBR at sector " + std::to_string(record.sector) + ", entry " + std::to_string(other.entry);
+    tables.partitions.push_back(std::move(extent));
+  }
+}
+
+// Of all extended partitions so far.
+struct Chained {
+  u64 records = 0;
+  u64 logical = 0;  // whose numbers go on from one to the next
+};
+
+void ReadExtended(PartitionTables& tables, const MbrPartition& outermost, Chained& chained) {
+  const u64 before = chained.logical;
   std::optional<ExtendedRecord> wrong;
   const ChainEnd end = WalkExtended(outermost, kMostRecords, [&](const ExtendedRecord& record) {
     tables.extendedRecords.Add(record.sector, record.sector, nullptr, L"");
     if (!record.endMark) wrong = record;
-    if (logical >= kMostLogical) {
-      if (record.logical) ++logical;
-      return;
+    if (++chained.records <= kMostLogical) {
+      tables.structures.push_back({.first = record.sector,
+                                   .last = record.sector,
+                                   .kind = ExtentKind::kStructure,
+                                   .flags = record.endMark ? 0U : u32{kFlagDamaged},
+                                   .typeName = "extended boot record",
+                                   .source = "extended partition"});
     }
-    tables.structures.push_back({.first = record.sector,
-                                 .last = record.sector,
-                                 .kind = ExtentKind::kStructure,
-                                 .flags = record.endMark ? 0U : u32{kFlagDamaged},
-                                 .typeName = "extended boot record",
-                                 .source = "extended partition"});
-    if (!record.logical) return;
+    if (!record.logical || ++chained.logical > kMostLogical) return;
     Extent extent = ExtentOf(*record.logical, ExtentKind::kLogical);
-    extent.number = 5 + logical++;
+    extent.number = 4 + chained.logical;
     extent.source = "EBR at sector " + std::to_string(record.sector);
     tables.partitions.push_back(std::move(extent));
+    AddOthers(tables, outermost, record);
   });
   Check check{outermost.first, "extended boot records lead to an end", Verdict::kGood,
-              std::to_string(logical) + " logical partitions", "every record readable, with its end mark"};
+              std::to_string(chained.logical - before) + " logical partitions",
+              "every record readable, with its end mark"};
   if (wrong) {
     check.sector = wrong->sector;
     check.verdict = wrong->readable ? Verdict::kBad : Verdict::kMissing;
@@ -68,10 +87,6 @@ void ReadExtended(PartitionTables& tables, const MbrPartition& outermost) {
     check.found = "more than " + std::to_string(kMostRecords) + " records";
   }
   tables.checks.push_back(std::move(check));
-  if (logical > kMostLogical) {
-    tables.cut.push_back("Of " + std::to_string(logical) + " logical partitions the first " +
-                         std::to_string(kMostLogical) + " are shown.");
-  }
 }
 
 // All ones stand for "the whole disk" on disks of any size.
@@ -98,9 +113,16 @@ void ReadMbrTable(PartitionTables& tables, u64 lastOnDisk) {
     if (partition.type == kTypeProtective) EndProtective(extent, partition, lastOnDisk);
     tables.partitions.push_back(std::move(extent));
   }
+  Chained chained;
   for (const MbrPartition& partition : mbr.partitions) {
-    if (IsExtendedType(partition.type) && partition.count != 0) ReadExtended(tables, partition);
+    if (IsExtendedType(partition.type) && partition.count != 0) ReadExtended(tables, partition, chained);
   }
+  const auto cut = [&](u64 count, const char* what) {
+    if (count <= kMostLogical) return;
+    tables.cut.push_back("Of " + std::to_string(count) + what + std::to_string(kMostLogical) + " are shown.");
+  };
+  cut(chained.logical, " logical partitions the first ");
+  cut(chained.records, " extended boot records the first ");
 }
 
 bool IsBareVolume(const MasterBootRecord& mbr) {

@@ -15,8 +15,8 @@ namespace trovisk {
 
 struct PartitionTables {
   MasterBootRecord mbr;
-  bool bareVolume = false;  // sector 0 is a volume's boot sector, and holds no partitions
-  std::optional<GptCopy> primary;
+  bool bareVolume = false;         // sector 0 is a volume's boot sector, and holds no partitions
+  std::optional<GptCopy> primary;  // both without their partitions, which are below
   std::optional<GptCopy> backup;
   bool gptInUse = false;  // a protective entry leads to it; without one it is what an earlier use left
 
@@ -29,7 +29,7 @@ struct PartitionTables {
   std::vector<std::string> cut;
 };
 
-// Partitions of one chain beyond so many are counted, not kept.
+// Logical partitions, and records of their chains, beyond so many are counted, not kept.
 inline constexpr u64 kMostLogical = u64{1} << 14;
 
 // Reads all tables. lastOnDisk: all ones where unknown.

@@ -119,6 +119,8 @@ ExtendedRecord ReadExtendedRecord(u64 sector) {
       if (!record.link) record.link = partition.first - sector;
     } else if (!record.logical) {
       record.logical = partition;
+    } else {
+      record.others.push_back(partition);
     }
   }
   return record;

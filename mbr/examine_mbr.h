@@ -50,10 +50,12 @@ struct ExtendedRecord {
   bool endMark = false;
   bool plausible = false;  // it can be an extended boot record: end mark, boot indicators
   std::optional<MbrPartition> logical;
+  std::vector<MbrPartition>
+      others;               // further partitions of its table, which some systems use and some do not
   std::optional<u64> link;  // to the next record: sectors from the start of the outermost extended partition
 };
 
-// The record in a sector, of whose entries the first of either kind counts.
+// The record in a sector, of whose entries the first of either kind is the logical partition and the link.
 ExtendedRecord ReadExtendedRecord(u64 sector);
 
 // Whether the 512 bytes can be an extended boot record: end mark, boot indicators.
