@@ -1,6 +1,7 @@
 #include "map/arrange.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace trovisk {
 namespace {
@@ -56,9 +57,11 @@ void MarkHybrid(std::vector<Extent>& extents) {
   }
 }
 
-bool IsTwin(const Extent& a, const Extent& b) {
-  return (a.flags & kFlagHybrid) != 0 && (b.flags & kFlagHybrid) != 0 && IsOfMbr(a) != IsOfMbr(b) &&
-         a.first == b.first && a.last == b.last;
+// Whether the second is the MBR's entry for the first, a partition of the GPT: they do not overlap each
+// other, and what overlaps one overlaps the other.
+bool IsTwin(const Extent& ofGpt, const Extent& ofMbr) {
+  return (ofMbr.flags & kFlagHybrid) != 0 && IsOfMbr(ofMbr) && (ofGpt.flags & kFlagHybrid) != 0 &&
+         !IsOfMbr(ofGpt) && ofGpt.first == ofMbr.first && ofGpt.last == ofMbr.last;
 }
 
 void MarkOverlaps(std::vector<Extent>& extents) {
@@ -66,16 +69,27 @@ void MarkOverlaps(std::vector<Extent>& extents) {
   for (Extent& extent : extents) {
     if (IsExclusive(extent)) exclusive.push_back(&extent);
   }
-  std::stable_sort(exclusive.begin(), exclusive.end(),
-                   [](const Extent* a, const Extent* b) { return a->first < b->first; });
+  std::stable_sort(exclusive.begin(), exclusive.end(), [](const Extent* a, const Extent* b) {
+    return std::tuple(a->first, a->last, IsOfMbr(*a)) < std::tuple(b->first, b->last, IsOfMbr(*b));
+  });
+  Extent* before = nullptr;
   Extent* reaching = nullptr;  // of those so far the one that ends last
+  std::vector<std::pair<const Extent*, Extent*>> twins;
   for (Extent* extent : exclusive) {
-    if (reaching != nullptr && extent->first <= reaching->last && !IsTwin(*extent, *reaching)) {
+    if (before != nullptr && IsTwin(*before, *extent)) {
+      twins.emplace_back(before, extent);
+      before = extent;
+      continue;
+    }
+    before = extent;
+    if (reaching != nullptr && extent->first <= reaching->last) {
       extent->flags |= kFlagOverlaps;
       reaching->flags |= kFlagOverlaps;
     }
     if (reaching == nullptr || extent->last > reaching->last) reaching = extent;
   }
+  for (const auto& [ofGpt, ofMbr] : twins)
+    ofMbr->flags |= ofGpt->flags & kFlagOverlaps;
 }
 
 void MarkBeyondEnd(std::vector<Extent>& extents, u64 sectors) {
