@@ -159,7 +159,7 @@ bool HoldsSomething(const Extent& extent, u64 lastOnDisk) {
 
 }  // namespace
 
-void ReadContents(DiskMap& map, const PartitionTables& tables, u64 lastOnDisk) {
+void ReadContents(DiskMap& map, PartitionTables& tables, u64 lastOnDisk) {
   std::size_t volumes = 0;
   std::set<std::pair<u64, u64>> looked;  // two tables may have the same partition
   if (tables.bareVolume) {
@@ -190,8 +190,10 @@ void ReadContents(DiskMap& map, const PartitionTables& tables, u64 lastOnDisk) {
     }
   }
   AddDynamicPartitions(map, lastOnDisk, volumes);
-  map.extents.insert(map.extents.end(), tables.structures.begin(), tables.structures.end());
-  map.extents.insert(map.extents.end(), tables.partitions.begin(), tables.partitions.end());
+  for (auto* extents : {&tables.structures, &tables.partitions}) {
+    std::move(extents->begin(), extents->end(), std::back_inserter(map.extents));
+    *extents = {};
+  }
   if (map.dynamicDisk) MarkContainers(map.extents);
   if (volumes > kMostVolumes) {
     map.cut.push_back("The contents of " + std::to_string(volumes - kMostVolumes) +

@@ -10,8 +10,9 @@
 namespace trovisk {
 
 // Adds to the map what the partitions hold: extents, checks, joined views. Registers the sectors that hold a
-// structure which a decoder reads and no table leads to. lastOnDisk: all ones where unknown.
-void ReadContents(DiskMap& map, const PartitionTables& tables, u64 lastOnDisk);
+// structure which a decoder reads and no table leads to; moves the tables' extents into the map. lastOnDisk:
+// all ones where unknown.
+void ReadContents(DiskMap& map, PartitionTables& tables, u64 lastOnDisk);
 
 }  // namespace trovisk
 

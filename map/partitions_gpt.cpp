@@ -79,7 +79,8 @@ void AddOne(PartitionTables& tables, const GptCopy& copy) {
 
 // Where a sound primary header says that the backup stands, else in the last sector.
 u64 BackupSector(const GptCopy& primary, u64 lastOnDisk) {
-  return primary.headerSound && primary.otherLba <= lastOnDisk ? primary.otherLba : lastOnDisk;
+  const bool possible = primary.otherLba > kPrimaryHeader && primary.otherLba <= lastOnDisk;
+  return primary.headerSound && possible ? primary.otherLba : lastOnDisk;
 }
 
 void CheckLastSector(const GptCopy& backup, u64 lastOnDisk, std::vector<Check>& checks) {
@@ -139,6 +140,9 @@ void ReadGptTables(PartitionTables& tables, u64 lastOnDisk) {
       tables.partitions[i].flags |= kFlagUnsound;
   }
   tables.followsPrimary = FollowsPrimary(primary, backup) || !backup.present;
+  // They are extents by now.
+  primary.partitions = {};
+  backup.partitions = {};
   tables.primary = std::move(primary);
   tables.backup = std::move(backup);
 }
