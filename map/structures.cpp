@@ -30,7 +30,8 @@ std::vector<StructureField> FieldsOf(const Catcher::Caught& caught) {
   for (const FieldNote& note : caught.fields) {
     if (note.begin > note.end || note.end > caught.text.size()) continue;
     std::string value = caught.text.substr(note.begin, note.end - note.begin);
-    while (!value.empty() && (value.back() == '\n' || value.back() == ' '))
+    // A text that fills its field is shown with the NULs behind it.
+    while (!value.empty() && (value.back() == '\n' || value.back() == ' ' || value.back() == '\0'))
       value.pop_back();
     fields.push_back({.label = LabelText(note.label),
                       .value = std::move(value),
