@@ -44,7 +44,7 @@ u64 LastOf(const VolumePlace& place, u64 sectors) {
 }
 
 void AddVolume(DiskMap& map, const VolumePlace& place, VolumeFindings findings) {
-  const std::string source = findings.type + " boot sector";
+  const std::string source = findings.type.substr(0, findings.type.find(" (")) + " boot sector";
   map.extents.push_back({.first = place.sector,
                          .last = LastOf(place, findings.sectors),
                          .kind = ExtentKind::kVolume,
