@@ -6,6 +6,7 @@
 
 #include "frame/examine_volume.h"
 #include "mbr/examine_fat.h"
+#include "mbr/examine_fat_geometry.h"
 #include "volumes/examinations.h"
 
 namespace trovisk {

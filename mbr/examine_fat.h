@@ -7,10 +7,6 @@
 
 namespace trovisk {
 
-// Whether a sector is the boot sector of a FAT volume, whatever its boot code. A master boot record is none,
-// nor is the boot sector of another file system.
-bool IsFatBootSector(SectorView boot);
-
 VolumeFindings ExamineFat(const VolumePlace& place);
 
 }  // namespace trovisk

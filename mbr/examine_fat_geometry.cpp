@@ -9,7 +9,6 @@
 
 #include <bit>
 
-#include "mbr/examine_fat.h"
 #include "mbr/fat_bootstrap.h"
 #include "mbr/partition_entry.h"
 #include "refimages/boot_sector.h"

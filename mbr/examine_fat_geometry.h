@@ -26,6 +26,10 @@ struct FatGeometry {
   u64 bits = 0;  // 12, 16 or 32: of a FAT entry
 };
 
+// Whether a sector is the boot sector of a FAT volume, whatever its boot code. A master boot record is none,
+// nor is the boot sector of another file system.
+bool IsFatBootSector(SectorView boot);
+
 // None where the block says what no FAT volume can be.
 std::optional<FatGeometry> FatGeometryOf(SectorView boot);
 

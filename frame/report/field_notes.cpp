@@ -6,7 +6,8 @@ namespace trovisk {
 namespace {
 
 std::uintptr_t AddressOf(Bytes bytes) {
-  return reinterpret_cast<std::uintptr_t>(bytes.data());  // NOLINT(*-reinterpret-cast): compared, not followed
+  return reinterpret_cast<std::uintptr_t>(
+      bytes.data());  // NOLINT(*-reinterpret-cast): compared, not followed
 }
 
 }  // namespace

@@ -11,5 +11,5 @@ file(RENAME ${doc}/CHANGELOG.md ${doc}/changelog)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/changelog ${doc}/changelog.Debian COPYONLY)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/copyright ${doc}/copyright COPYONLY)
 file(GLOB manuals ${share}/man/man8/*.8)
-execute_process(COMMAND gzip -9n ${doc}/changelog ${doc}/changelog.Debian ${manuals}
-                        COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND gzip -9n ${doc}/changelog ${doc}/changelog.Debian ${manuals} COMMAND_ERROR_IS_FATAL
+                        ANY)
