@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-Outcome Run(const std::vector<std::string>& arguments) {
+Outcome RunMap(const std::vector<std::string>& arguments) {
   return RunCommand(TROVISK_MAP_PROGRAM, arguments, {"LC_ALL=C.UTF-8"});
 }
 
@@ -64,7 +64,7 @@ void WriteText(const std::string& path, const std::string& text) {
 }
 
 TEST_F(MapCommand, SaysHowItIsCalledWhereNothingIsAsked) {
-  const Outcome outcome = Run({});
+  const Outcome outcome = RunMap({});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err, R"(Usage: trovisk-map [options] DISK
@@ -77,7 +77,7 @@ TEST_F(MapCommand, SaysHowItIsCalledWhereNothingIsAsked) {
 
 TEST_F(MapCommand, HelpAndVersionGoToStandardOutput) {
   for (const char* option : {"--help", "-h"}) {
-    const Outcome help = Run({option});
+    const Outcome help = RunMap({option});
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.err, "");
     EXPECT_TRUE(help.out.starts_with("Usage: trovisk-map [options] DISK\n"));
@@ -87,7 +87,7 @@ TEST_F(MapCommand, HelpAndVersionGoToStandardOutput) {
                   Has(help.out, std::string("\n  ") + name + "\n"))
           << name;
   }
-  const Outcome version = Run({"--version"});
+  const Outcome version = RunMap({"--version"});
   EXPECT_EQ(version.status, 0);
   EXPECT_EQ(version.out.substr(0, 14), "trovisk-map 1.");
 }
@@ -107,7 +107,7 @@ TEST_F(MapCommand, ComplainsAboutWhatItDoesNotUnderstand) {
       {{"--\x1b[2J\n", "disk.img"}, "The following argument was not expected: --?[2J?."},
   };
   for (const auto& [arguments, complaint] : calls) {
-    const Outcome outcome = Run(arguments);
+    const Outcome outcome = RunMap(arguments);
     EXPECT_EQ(outcome.status, 1) << complaint;
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "trovisk-map: " + complaint + "\n\"trovisk-map --help\" says how it is called.\n");
@@ -115,7 +115,7 @@ TEST_F(MapCommand, ComplainsAboutWhatItDoesNotUnderstand) {
 }
 
 TEST_F(MapCommand, ASoundDiskIsStatusZeroAndADamagedOneStatusTwo) {
-  const Outcome sound = Run({"disk.img"});
+  const Outcome sound = RunMap({"disk.img"});
   EXPECT_EQ(sound.status, 0);
   EXPECT_EQ(sound.err, "");
   EXPECT_TRUE(Has(sound.out, "\textent\t") || Has(sound.out, "\nextent\t64\t1063\t1000\tpartition\t"))
@@ -126,14 +126,14 @@ TEST_F(MapCommand, ASoundDiskIsStatusZeroAndADamagedOneStatusTwo) {
   image.seekp(512);
   image << std::string(512, '\0');  // the primary header
   image.close();
-  const Outcome damaged = Run({"disk.img"});
+  const Outcome damaged = RunMap({"disk.img"});
   EXPECT_EQ(damaged.status, 2);
   EXPECT_TRUE(Has(damaged.out, "\nextent\t64\t1063\t1000\tpartition\t")) << damaged.out;
   EXPECT_TRUE(Has(damaged.out, "\nverdict\t2\tSomething is wrong: "));
 }
 
 TEST_F(MapCommand, ADiskThatDoesNotOpenIsStatusOne) {
-  const Outcome outcome = Run({"no.img"});
+  const Outcome outcome = RunMap({"no.img"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err, "Global::Open: couldn't open \\\\.\\PhysicalDriveno.img for reading, error 2\n");
@@ -141,15 +141,15 @@ TEST_F(MapCommand, ADiskThatDoesNotOpenIsStatusOne) {
 
 TEST_F(MapCommand, ANameThatBeginsWithAHyphenStandsBehindTwo) {
   fs::rename("disk.img", "--json");
-  EXPECT_EQ(Run({"--", "--json"}).status, 0);
-  EXPECT_TRUE(Has(Run({"--", "--json"}).out, "\ndisk\t--json\t512\t4096\t"));
+  EXPECT_EQ(RunMap({"--", "--json"}).status, 0);
+  EXPECT_TRUE(Has(RunMap({"--", "--json"}).out, "\ndisk\t--json\t512\t4096\t"));
 }
 
 TEST_F(MapCommand, TheFormIsWhatTheOptionSays) {
-  EXPECT_TRUE(Run({"--json", "disk.img"}).out.starts_with("{"));
-  EXPECT_TRUE(Run({"--sfdisk", "disk.img"}).out.starts_with("label: gpt\n"));
-  EXPECT_TRUE(Run({"--width", "60", "disk.img"}).out.starts_with("disk.img, 2.0 MiB in 4096 sectors"));
-  EXPECT_TRUE(Has(Run({"--color", "always", "disk.img"}).out, "\x1b["));
+  EXPECT_TRUE(RunMap({"--json", "disk.img"}).out.starts_with("{"));
+  EXPECT_TRUE(RunMap({"--sfdisk", "disk.img"}).out.starts_with("label: gpt\n"));
+  EXPECT_TRUE(RunMap({"--width", "60", "disk.img"}).out.starts_with("disk.img, 2.0 MiB in 4096 sectors"));
+  EXPECT_TRUE(Has(RunMap({"--color", "always", "disk.img"}).out, "\x1b["));
 }
 
 // Escape sequences, marks that turn the direction of text, a tab, a line end, half a character: none of them
@@ -164,13 +164,13 @@ TEST_F(MapCommand, NamesOfTheDiskDoNotControlTheTerminal) {
                                                {"--width", "200", "evil.img"},
                                                {"--json", "evil.img"},
                                                {"--sfdisk", "evil.img"}}) {
-    const Outcome outcome = Run(form);
+    const Outcome outcome = RunMap(form);
     EXPECT_NE(outcome.status, 1);
     EXPECT_EQ(ControlCharacter(outcome.out), kNone) << form[0];
     EXPECT_FALSE(Has(outcome.out, "\u202E"));
     EXPECT_FALSE(Has(outcome.out, "\u200F"));
   }
-  EXPECT_TRUE(Has(Run({"evil.img"}).out, "\ta?[2J??b?c?d?e?\tGPT entry 1\t"));
+  EXPECT_TRUE(Has(RunMap({"evil.img"}).out, "\ta?[2J??b?c?d?e?\tGPT entry 1\t"));
 }
 
 TEST_F(MapCommand, OnATerminalItIsATableThatFits) {
@@ -208,19 +208,19 @@ TEST_F(MapCommand, ColoursAreForTerminalsOfPeopleWhoWantThem) {
   EXPECT_FALSE(isColoured({"TERM=xterm", program, "--color", "never"}));
   EXPECT_TRUE(isColoured({"TERM=dumb", "NO_COLOR=1", program, "--color", "always"}));
   EXPECT_FALSE(isColoured({"TERM=xterm", program, "--json"}));
-  EXPECT_FALSE(Has(Run({"disk.img"}).out, "\x1b["));
+  EXPECT_FALSE(Has(RunMap({"disk.img"}).out, "\x1b["));
 }
 
 TEST_F(MapCommand, OutputIsWhatStandardOutputWouldHaveBeen) {
   WriteText("map.txt", "before");
-  const Outcome outcome = Run({"--output", "map.txt", "disk.img"});
+  const Outcome outcome = RunMap({"--output", "map.txt", "disk.img"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err, "");
-  EXPECT_EQ(ReadFile("map.txt"), Run({"disk.img"}).out);
-  EXPECT_EQ(Run({"disk.img", "-o", "map.json", "--json"}).status, 0);
-  EXPECT_EQ(ReadFile("map.json"), Run({"--json", "disk.img"}).out);
-  EXPECT_EQ(Run({"--list", "-o", "list.txt"}).status, 0);
+  EXPECT_EQ(ReadFile("map.txt"), RunMap({"disk.img"}).out);
+  EXPECT_EQ(RunMap({"disk.img", "-o", "map.json", "--json"}).status, 0);
+  EXPECT_EQ(ReadFile("map.json"), RunMap({"--json", "disk.img"}).out);
+  EXPECT_EQ(RunMap({"--list", "-o", "list.txt"}).status, 0);
   EXPECT_TRUE(ReadFile("list.txt").starts_with("#disk\tnumber\tdevice\tbytes\tmodel\n"));
   EXPECT_EQ(Files(), 4U);  // and no temporary one
 }
@@ -229,7 +229,7 @@ TEST_F(MapCommand, OutputFollowsALinkAndKeepsTheRightsOfTheFile) {
   WriteText("map.txt", "before");
   fs::permissions("map.txt", fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
   fs::create_symlink("map.txt", "link.txt");
-  EXPECT_EQ(Run({"-o", "link.txt", "disk.img"}).status, 0);
+  EXPECT_EQ(RunMap({"-o", "link.txt", "disk.img"}).status, 0);
   EXPECT_TRUE(fs::is_symlink("link.txt"));
   EXPECT_TRUE(ReadFile("map.txt").starts_with("#disk\t"));
   EXPECT_EQ(fs::status("map.txt").permissions(),
@@ -242,7 +242,7 @@ TEST_F(MapCommand, OutputIsNeverWhatIsExamined) {
   fs::create_symlink("disk.img", "symlink.img");
   for (const char* output : {"disk.img", "./disk.img", "linked.img", "symlink.img"}) {
     for (const char* disk : {"disk.img", "disk.img@512"}) {
-      const Outcome outcome = Run({"-o", output, disk});
+      const Outcome outcome = RunMap({"-o", output, disk});
       EXPECT_EQ(outcome.status, 1);
       EXPECT_EQ(outcome.err,
                 std::string("trovisk-map: ") + output + " is not written to: it is what is examined\n");
@@ -257,26 +257,26 @@ TEST_F(MapCommand, OutputIsNoPieceOfAnImageThatIsExamined) {
   const std::string image = ReadFile("disk.img");
   WriteText("piece.001", image.substr(0, 1U << 20));
   WriteText("piece.002", image.substr(1U << 20));
-  EXPECT_EQ(Run({"piece.001"}).status, 0);
-  EXPECT_EQ(Run({"-o", "piece.002", "piece.001"}).status, 1);
+  EXPECT_EQ(RunMap({"piece.001"}).status, 0);
+  EXPECT_EQ(RunMap({"-o", "piece.002", "piece.001"}).status, 1);
   EXPECT_EQ(ReadFile("piece.002"), image.substr(1U << 20));
 }
 
 TEST_F(MapCommand, OutputIsAFile) {
   fs::create_directory("folder");
-  EXPECT_EQ(Run({"-o", "/dev/null", "disk.img"}).err,
+  EXPECT_EQ(RunMap({"-o", "/dev/null", "disk.img"}).err,
             "trovisk-map: /dev/null is not written to: it is not a file\n");
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
-  EXPECT_EQ(Run({"-o", "folder", "disk.img"}).err,
+  EXPECT_EQ(RunMap({"-o", "folder", "disk.img"}).err,
             "trovisk-map: folder is not written to: it is not a file\n");
-  EXPECT_EQ(Run({"-o", "none/map.txt", "disk.img"}).err,
+  EXPECT_EQ(RunMap({"-o", "none/map.txt", "disk.img"}).err,
             "trovisk-map: none/map.txt cannot be written, error 2: No such file or directory\n");
-  EXPECT_EQ(Run({"-o", "none/map.txt", "disk.img"}).status, 1);
+  EXPECT_EQ(RunMap({"-o", "none/map.txt", "disk.img"}).status, 1);
 }
 
 TEST_F(MapCommand, OutputStaysAsItWasWhereTheDiskOrTheWritingFails) {
   WriteText("map.txt", "before");
-  EXPECT_EQ(Run({"-o", "map.txt", "no.img"}).status, 1);
+  EXPECT_EQ(RunMap({"-o", "map.txt", "no.img"}).status, 1);
   EXPECT_EQ(ReadFile("map.txt"), "before");
   const Outcome full = RunCommand(
       "sh", {"-c", "ulimit -f 1; exec \"$0\" --json -o map.txt disk.img", TROVISK_MAP_PROGRAM}, {});
@@ -319,7 +319,7 @@ TEST(MapList, IsATableForAPersonAndLinesForPrograms) {
 }
 
 TEST(MapList, HasTheDisksOfThisMachine) {
-  const Outcome outcome = Run({"--list"});
+  const Outcome outcome = RunMap({"--list"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, DisksAsText(ListDisks(), false));
 }
