@@ -30,7 +30,7 @@ struct PartitionTables {
 };
 
 // Logical partitions, and records of their chains, beyond so many are counted, not kept.
-inline constexpr u64 kMostLogical = u64{1} << 14;
+inline constexpr u64 kMostLogical = u64{1} << 12;
 
 // Reads all tables. lastOnDisk: all ones where unknown.
 PartitionTables ReadPartitionTables(u64 lastOnDisk);
