@@ -30,9 +30,19 @@ if(WIN32)
 else()
   list(FILTER map_sources EXCLUDE REGEX "_windows\\.cpp$")
 endif()
-set_source_files_properties(map/options.cpp PROPERTIES COMPILE_DEFINITIONS
-                                                       "TROVISK_VERSION=\"${PROJECT_VERSION}\"")
-add_library(trovisk_map_core STATIC ${map_sources} ${examination_sources})
+set_source_files_properties(map/html_page.cpp map/options.cpp
+                            PROPERTIES COMPILE_DEFINITIONS "TROVISK_VERSION=\"${PROJECT_VERSION}\"")
+
+# The page's files, as bytes of the program.
+file(GLOB page_files CONFIGURE_DEPENDS map/page/*.js map/page/*.css map/page/*.html)
+set(page_source ${CMAKE_BINARY_DIR}/page_files.cpp)
+add_custom_command(
+  OUTPUT ${page_source}
+  COMMAND ${CMAKE_COMMAND} -D FOLDER=${CMAKE_SOURCE_DIR}/map/page -D OUTPUT=${page_source} -P
+          ${CMAKE_SOURCE_DIR}/cmake/embed_page.cmake
+  DEPENDS ${page_files} cmake/embed_page.cmake
+  VERBATIM)
+add_library(trovisk_map_core STATIC ${map_sources} ${examination_sources} ${page_source})
 target_link_libraries(trovisk_map_core PUBLIC trovisk_core ZLIB::ZLIB)
 target_include_directories(trovisk_map_core SYSTEM PUBLIC ${map_headers})
 

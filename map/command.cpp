@@ -6,6 +6,7 @@
 #include "map/arguments.h"
 #include "map/compare.h"
 #include "map/disk_table.h"
+#include "map/html_page.h"
 #include "map/json_map.h"
 #include "map/options.h"
 #include "map/output_file.h"
@@ -40,6 +41,8 @@ void PrintMap(const DiskMap& map, const MapOptions& options, const Sink& sink) {
     WriteMapAsJson(map, VisitStructures, sink);
   } else if (options.form == MapForm::kSfdisk) {
     sink(MapAsSfdisk(map));
+  } else if (options.form == MapForm::kPage) {
+    WriteMapAsPage(map, VisitStructures, sink);
   } else {
     sink(MapAsText(map, StyleFor(options)));
   }

@@ -25,6 +25,8 @@ Arguments:
 
 Options:
   --json         print the map as one JSON document
+  --html FILE    write the map as a page for a browser: one file that needs no
+                 other
   --sfdisk       print its partitions as a script for sfdisk
   --compare OTHER
                  print what is different on DISK; each of both is a disk or a
@@ -56,6 +58,7 @@ struct Given {
   std::string disk;
   std::string other;
   std::string output;
+  std::string page;
   std::string colour = "auto";
   std::size_t width = 0;
   bool all = false;
@@ -73,6 +76,7 @@ void Declare(CLI::App& app, Given& given) {
   CLI::Option* disk = app.add_option("DISK", given.disk);
   CLI::Option* compare = app.add_option("--compare", given.other)->type_name("OTHER");
   CLI::Option* output = app.add_option("-o,--output", given.output)->type_name("FILE");
+  CLI::Option* html = app.add_option("--html", given.page)->type_name("FILE");
   CLI::Option* json = app.add_flag("--json", given.json);
   CLI::Option* sfdisk = app.add_flag("--sfdisk", given.sfdisk);
   CLI::Option* list = app.add_flag("--list", given.list);
@@ -81,11 +85,12 @@ void Declare(CLI::App& app, Given& given) {
   app.add_option("--color", given.colour)
       ->type_name("WHEN")
       ->check(CLI::IsMember({"auto", "always", "never"}));
-  for (CLI::Option* option : {disk, compare, output})
+  for (CLI::Option* option : {disk, compare, output, html})
     option->check([](const std::string& text) { return text.empty() ? "It must not be empty" : ""; });
-  compare->excludes(json, sfdisk);
-  json->excludes(sfdisk);
-  list->excludes(disk, compare, json, sfdisk);
+  compare->excludes(json, sfdisk, html);
+  json->excludes(sfdisk, html);
+  html->excludes(sfdisk, output);
+  list->excludes(disk, compare, json, sfdisk, html);
 }
 
 MapOptions Understood(const Given& given) {
@@ -96,6 +101,10 @@ MapOptions Understood(const Given& given) {
   options.width = given.width;
   options.all = given.all;
   if (given.json) options.form = MapForm::kJson;
+  if (!given.page.empty()) {
+    options.form = MapForm::kPage;
+    options.output = given.page;
+  }
   if (given.sfdisk) options.form = MapForm::kSfdisk;
   if (given.list) options.form = MapForm::kList;
   if (!given.other.empty()) options.form = MapForm::kCompare;

@@ -11,7 +11,7 @@
 
 namespace trovisk {
 
-enum class MapForm : u8 { kText, kJson, kSfdisk, kCompare, kList };
+enum class MapForm : u8 { kText, kJson, kPage, kSfdisk, kCompare, kList };
 enum class ColourChoice : u8 { kAuto, kAlways, kNever };
 
 // Texts are UTF-8; empty: not given.

@@ -1,0 +1,106 @@
+// What the search goes through, and what it finds: names, labels, values, sector numbers, hexadecimal bytes.
+
+import { doc } from "./document.js";
+import { titleOf } from "./looks.js";
+
+let entries = null;
+
+function lower(text) {
+  return text.toLowerCase();
+}
+
+function structureEntry(structure) {
+  const text = [
+    structure.title,
+    structure.structure.replaceAll("_", " "),
+    String(structure.sector),
+    ...structure.messages,
+    ...structure.fields.map((field) => `${field.label}: ${field.value}`),
+    structure.text,
+  ].join("\n");
+  return { structure, lowered: lower(text), text };
+}
+
+function build() {
+  entries = doc.structures.map(structureEntry);
+}
+
+// Hexadecimal bytes: "55 AA", "0x55aa", "45464920"; a short number alone is no bytes.
+export function bytesOfQuery(query) {
+  const plain = query.replace(/^0x/i, "").replace(/[\s:,]+(0x)?/gi, "");
+  if (!/^([0-9a-f]{2})+$/i.test(plain)) return null;
+  if (/^\d{1,7}$/.test(query) || (plain.length < 4 && !/^0x/i.test(query))) return null;
+  return String.fromCharCode(...plain.match(/../g).map((pair) => parseInt(pair, 16)));
+}
+
+// The line around the place, with the place itself.
+function snippet(text, at, length) {
+  const start = Math.max(text.lastIndexOf("\n", at) + 1, at - 40);
+  const stop = text.indexOf("\n", at);
+  const end = Math.min(stop < 0 ? text.length : stop, at + length + 60);
+  return [text.slice(start, at), text.slice(at, at + length), text.slice(at + length, end)];
+}
+
+function placeFound(structure, wanted) {
+  return (
+    structure.fields.find((f) => f.offset !== null && lower(`${f.label}: ${f.value}`).includes(wanted))?.offset ?? null
+  );
+}
+
+function searchExtents(wanted, add) {
+  for (const extent of doc.extents) {
+    const text = [titleOf(extent), extent.type, extent.id, extent.source, extent.flags.join(" "), extent.kind].join(
+      "\n",
+    );
+    const at = lower(text).indexOf(wanted);
+    if (at >= 0) add({ extent, title: titleOf(extent), snippet: snippet(text, at, wanted.length) });
+  }
+}
+
+function searchNumber(query, add) {
+  if (!/^\d{1,20}$/.test(query)) return;
+  const sector = BigInt(query);
+  if (sector < doc.sectors) add({ sector, title: `Go to sector ${sector}`, snippet: ["", "", ""] });
+}
+
+function searchBytes(query, add) {
+  const bytes = bytesOfQuery(query);
+  if (bytes === null) return;
+  for (const structure of doc.structures) {
+    const at = atob(structure.bytes).indexOf(bytes);
+    if (at >= 0)
+      add({
+        structure,
+        offset: at,
+        title: structure.title,
+        snippet: ["bytes ", query, ` at 0x${at.toString(16).toUpperCase()}`],
+      });
+  }
+}
+
+// Up to most results, and how many there are in all.
+export function search(query, most) {
+  const wanted = lower(query.trim());
+  const results = [];
+  let count = 0;
+  if (wanted === "") return { results, count };
+  const add = (result) => {
+    count += 1;
+    if (results.length < most) results.push(result);
+  };
+  if (!entries) build();
+  searchNumber(wanted, add);
+  searchExtents(wanted, add);
+  searchBytes(query.trim(), add);
+  for (const { structure, lowered, text } of entries) {
+    const at = lowered.indexOf(wanted);
+    if (at < 0) continue;
+    add({
+      structure,
+      offset: placeFound(structure, wanted),
+      title: structure.title,
+      snippet: snippet(text, at, wanted.length),
+    });
+  }
+  return { results, count };
+}

@@ -1,0 +1,36 @@
+// What the parts of the picture share: their elements, and what is drawn in them.
+
+import { doc } from "./document.js";
+import { svg } from "./dom.js";
+
+const BEYOND = 18;
+
+// overview, funnel, magnifier, range, readout: elements; window: the drawing of the window in the overview;
+// overviewHeight: in pixels; lanes, marks: what is drawn.
+export const picture = {};
+
+export function whole() {
+  return { from: 0n, length: doc.sectors };
+}
+
+// Beside the bar stands what lies beyond the end of the disk, not to scale.
+export function barWidth(element) {
+  return element.clientWidth - (doc.beyond.length ? BEYOND : 0);
+}
+
+export function beyondStrip(width, height) {
+  if (doc.beyond.length === 0) return null;
+  return svg(
+    "g",
+    {},
+    svg("title", {}, `${doc.beyond.length} beyond the end of the disk`),
+    svg("rect", {
+      x: width + 4,
+      y: 1,
+      width: BEYOND - 5,
+      height: height - 14,
+      class: "beyond",
+      fill: "url(#look-alarm)",
+    }),
+  );
+}

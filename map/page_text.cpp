@@ -1,0 +1,49 @@
+#include "map/page_text.h"
+
+namespace trovisk {
+
+std::string HtmlText(std::string_view text) {
+  std::string html;
+  html.reserve(text.size());
+  for (const char character : text) {
+    switch (character) {
+      case '&':
+        html += "&amp;";
+        break;
+      case '<':
+        html += "&lt;";
+        break;
+      case '>':
+        html += "&gt;";
+        break;
+      case '"':
+        html += "&quot;";
+        break;
+      case '\'':
+        html += "&#39;";
+        break;
+      default:
+        html += character;
+    }
+  }
+  return html;
+}
+
+std::string HtmlNumber(u64 number) {
+  constexpr std::size_t kGroup = 3;
+  const std::string digits = std::to_string(number);
+  if (digits.size() <= kGroup + 1) return digits;
+  const std::size_t first = (digits.size() - 1) % kGroup + 1;
+  std::string html = digits.substr(0, first);
+  for (std::size_t at = first; at < digits.size(); at += kGroup)
+    html += "<span class=\"group\">" + digits.substr(at, kGroup) + "</span>";
+  return html;
+}
+
+std::string HtmlCell(std::string_view content, std::string_view name) {
+  std::string html = "<td";
+  if (!name.empty()) html.append(" class=\"").append(name).append("\"");
+  return html.append(">").append(content).append("</td>");
+}
+
+}  // namespace trovisk

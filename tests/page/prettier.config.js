@@ -1,0 +1,3 @@
+// How the page's script and style are laid out.
+
+export default { printWidth: 120 };
