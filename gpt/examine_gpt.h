@@ -49,7 +49,7 @@ struct GptCopy {
 };
 
 // Used entries beyond so many are counted, not kept.
-inline constexpr u64 kMostGptPartitions = u64{1} << 14;
+inline constexpr u64 kMostGptPartitions = u64{1} << 13;
 
 // Reads the copy whose header stands (or should stand) in the sector, and judges it by itself. lastOnDisk:
 // all ones where unknown. which: "primary" or "backup".
