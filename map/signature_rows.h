@@ -18,6 +18,8 @@ struct SuperblockPlaces {
   // Where fromEnd is not 0, so many bytes before the end of the place instead, rounded down.
   u64 fromEnd = 0;
   u64 alignment = 1;
+  // Where not 0: a place that is blank there has none of them, however many may follow.
+  u64 unlessBlank = 0;
 };
 
 struct Superblock {

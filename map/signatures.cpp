@@ -10,7 +10,9 @@
 
 #include "map/signatures.h"
 
+#include <algorithm>
 #include <map>
+#include <utility>
 
 #include "frame/examine_volume.h"
 #include "frame/global.h"
@@ -21,8 +23,9 @@ namespace {
 
 constexpr SuperblockPlaces kAtStart = {.first = 0};
 constexpr SuperblockPlaces kAt1K = {.first = 1024};
-constexpr SuperblockPlaces kAtDescriptors = {.first = 32768, .step = 2048, .count = 16};
-constexpr SuperblockPlaces kUberblocks = {.first = 131072, .step = 1024, .count = 128};
+// The descriptors follow one another; uberblocks stand behind a list of names and values that is never empty.
+constexpr SuperblockPlaces kAtDescriptors = {.first = 32768, .step = 2048, .count = 16, .unlessBlank = 32768};
+constexpr SuperblockPlaces kUberblocks = {.first = 131072, .step = 1024, .count = 128, .unlessBlank = 16384};
 constexpr std::string_view kSwap = "SWAPSPACE2";
 constexpr std::string_view kMd = Magic("\xFC\x4E\x2B\xA9");
 
@@ -71,11 +74,26 @@ class PlaceBytes {
 
   std::vector<u8> At(u64 position, u64 count) {
     std::vector<u8> bytes(static_cast<std::size_t>(count));
-    for (u64 i = 0; i < count && position + i < size_; ++i) {
-      const u64 at = position + i;
-      bytes[static_cast<std::size_t>(i)] = U8At(Block(at / kBlockSize), at % kBlockSize);
+    for (u64 done = 0; done < count && position + done < size_;) {
+      const u64 at = position + done;
+      const u64 rest = std::min(count - done, size_ - at);
+      const Bytes piece = FromAt(Block(at / kBlockSize), at % kBlockSize);
+      std::ranges::copy(SliceAt(piece, 0, rest), bytes.begin() + static_cast<std::ptrdiff_t>(done));
+      done += kBlockSize - at % kBlockSize;
     }
     return bytes;
+  }
+
+  // Whether the text stands at the position; none of those asked for crosses from one block into the next.
+  bool Holds(u64 position, std::string_view text) {
+    if (position >= size_ || text.size() > size_ - position) return false;
+    return EqualsText(SliceAt(Block(position / kBlockSize), position % kBlockSize, text.size()), text);
+  }
+
+  bool IsBlank(u64 position) {
+    if (position >= size_) return true;
+    constexpr u64 kPiece = 512;
+    return AllZero(SliceAt(Block(position / kBlockSize), position % kBlockSize, kPiece));
   }
 
  private:
@@ -89,7 +107,7 @@ class PlaceBytes {
 
   // Where a sector of it is unreadable, the others.
   std::vector<u8> ReadBlock(u64 offset) const {
-    if (auto whole = ReadVolumeBytes(place_, offset, kBlockSize)) return *whole;
+    if (auto whole = ReadVolumeBytes(place_, offset, kBlockSize)) return std::move(*whole);
     constexpr u64 kPieceSize = 512;
     std::vector<u8> block;
     for (u64 i = 0; i < kBlockSize; i += kPieceSize) {
@@ -114,7 +132,7 @@ std::optional<u64> SuperblockPosition(const SuperblockPlaces& places, u64 index,
 
 std::optional<ForeignContent> NameAt(const VolumePlace& place, PlaceBytes& bytes, const SignatureRow& row,
                                      u64 position) {
-  if (!EqualsText(bytes.At(position + row.magicOffset, row.magic.size()), row.magic)) return std::nullopt;
+  if (!bytes.Holds(position + row.magicOffset, row.magic)) return std::nullopt;
   ContentDetails details{.type = std::string(row.type)};
   const std::vector<u8> superblock = bytes.At(position, kSuperblockSize);
   if (row.describe != nullptr && !row.describe({superblock, position, row.magicOffset}, details)) {
@@ -131,6 +149,7 @@ std::optional<ForeignContent> NameAt(const VolumePlace& place, PlaceBytes& bytes
 std::optional<ForeignContent> NameContent(const VolumePlace& place) {
   PlaceBytes bytes(place);
   for (const SignatureRow& row : kRows) {
+    if (row.places.unlessBlank != 0 && bytes.IsBlank(row.places.unlessBlank)) continue;
     for (u64 i = 0; i < row.places.count; ++i) {
       const auto position = SuperblockPosition(row.places, i, bytes.Size());
       if (!position || *position >= bytes.Size()) break;

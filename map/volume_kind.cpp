@@ -4,6 +4,9 @@
 
 #include "map/volume_kind.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "frame/examine_volume.h"
 #include "mbr/examine_fat.h"
 #include "mbr/examine_fat_geometry.h"
@@ -28,10 +31,12 @@ constexpr KindRow kKinds[] = {
     {VolumeKind::kFat, IsFatBootSector, ExamineFat},
 };
 
-// Where a volume of the kind keeps its backup; other kinds found there are not believed.
-bool IsAt(const VolumePlace& place, u64 bytes, VolumeKind kind) {
+// Where a volume of one of the kinds keeps its backup; other kinds found there are not believed.
+VolumeKind KindAt(const VolumePlace& place, u64 bytes, std::initializer_list<VolumeKind> kinds) {
   const auto boot = ReadVolumeRecord(place, bytes);
-  return boot && KindOfBootSector(SectorView(*boot)) == kind;
+  if (!boot || AllZero(*boot)) return VolumeKind::kNone;
+  const VolumeKind kind = KindOfBootSector(SectorView(*boot));
+  return std::find(kinds.begin(), kinds.end(), kind) == kinds.end() ? VolumeKind::kNone : kind;
 }
 
 constexpr u64 kExFatBackupSector = 12;
@@ -47,13 +52,17 @@ VolumeKind KindOfBootSector(SectorView boot) {
 }
 
 VolumeKind KindByBackup(const VolumePlace& place) {
+  VolumeKind kind = VolumeKind::kNone;
+  const auto isAt = [&](u64 bytes, std::initializer_list<VolumeKind> kinds) {
+    kind = KindAt(place, bytes, kinds);
+    return kind != VolumeKind::kNone;
+  };
   for (const u64 size : kVolumeSectorSizes) {
-    if (IsAt(place, kFat32BackupSector * size, VolumeKind::kFat)) return VolumeKind::kFat;
-    if (IsAt(place, kExFatBackupSector * size, VolumeKind::kExFat)) return VolumeKind::kExFat;
+    if (isAt(kFat32BackupSector * size, {VolumeKind::kFat})) return kind;
+    if (isAt(kExFatBackupSector * size, {VolumeKind::kExFat})) return kind;
   }
   for (const u64 last : PlacesOfLastSector(place)) {
-    if (IsAt(place, last, VolumeKind::kNtfs)) return VolumeKind::kNtfs;
-    if (IsAt(place, last, VolumeKind::kReFs)) return VolumeKind::kReFs;
+    if (isAt(last, {VolumeKind::kNtfs, VolumeKind::kReFs})) return kind;
   }
   return VolumeKind::kNone;
 }
