@@ -87,6 +87,11 @@ void ReadDynamicDisk(DiskMap& map, u64 privhead, u64 lastOnDisk) {
   map.dynamicDisk = ExamineDynamicDisk(privhead, lastOnDisk, map.checks);
   if (!map.dynamicDisk) return;
   const DynamicDisk& dynamic = *map.dynamicDisk;
+  // Where the first copy is lost, another one leads its decoder to the rest.
+  for (const Area& area : dynamic.areas) {
+    if (area.first != privhead && area.name.starts_with("PRIVHEAD"))
+      AddTocEntry(disk, area.first, DecodePrivhead, L"Alternate PRIVHEAD Sector");
+  }
   AddAreas(map.extents, dynamic.areas, "LDM database");
   if (dynamic.databaseSize != 0 && dynamic.databaseSize - 1 <= ~u64{0} - dynamic.databaseStart) {
     map.extents.push_back({.first = dynamic.databaseStart,
