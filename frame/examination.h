@@ -23,11 +23,11 @@ enum class Verdict : u8 {
 
 // One question that was asked of the disk.
 struct Check {
-  u64 sector = 0;    // absolute, of the structure that is judged
-  std::string name;  // the same words on every disk, e.g. "GPT header CRC-32"
+  u64 sector = 0;         // absolute, of the structure that is judged
+  std::string name = {};  // the same words on every disk, e.g. "GPT header CRC-32"
   Verdict verdict = Verdict::kNotChecked;
-  std::string found;     // as the disk has it; UTF-8, safe to show
-  std::string expected;  // what it should be
+  std::string found = {};     // as the disk has it; UTF-8, safe to show
+  std::string expected = {};  // what it should be
 };
 
 // A stretch of sectors that a structure states, absolute and inclusive. Where the structure is damaged last

@@ -15,9 +15,9 @@ namespace trovisk {
 
 struct DynamicPartition {
   u64 id = 0;  // object identifier
-  std::string name;
+  std::string name = {};
   u64 diskId = 0;
-  std::string disk;  // name of the disk's record; empty: there is none
+  std::string disk = {};  // name of the disk's record; empty: there is none
   bool onThisDisk = false;
   u64 start = 0;          // sectors from the disk's logical start
   u64 absoluteStart = 0;  // where it is on this disk: absolute sector; all ones: beyond any
@@ -28,48 +28,48 @@ struct DynamicPartition {
 
 struct DynamicComponent {
   u64 id = 0;
-  std::string name;
-  std::string type;  // "striped", "concatenated", "RAID-5"; for others "unknown 0xNN"
-  std::string state;
+  std::string name = {};
+  std::string type = {};  // "striped", "concatenated", "RAID-5"; for others "unknown 0xNN"
+  std::string state = {};
   u64 stripeSize = 0;  // sectors, 0: none
   u64 columns = 0;
-  std::vector<DynamicPartition> partitions;  // by column, then by offset
+  std::vector<DynamicPartition> partitions = {};  // by column, then by offset
 };
 
 struct DynamicVolume {
   u64 id = 0;
-  std::string name;
-  std::string type;  // "simple", "spanned", "striped", "mirrored", "RAID-5"; without components "unknown",
-                     // with one of an unknown type that
-  std::string state;
-  u64 size = 0;      // sectors
-  std::string hint;  // drive letter, empty: none
-  std::string guid;
+  std::string name = {};
+  std::string type = {};  // "simple", "spanned", "striped", "mirrored", "RAID-5"; without components
+                          // "unknown", with one of an unknown type that
+  std::string state = {};
+  u64 size = 0;           // sectors
+  std::string hint = {};  // drive letter, empty: none
+  std::string guid = {};
   u64 partitionType = 0;
-  std::vector<DynamicComponent> components;
+  std::vector<DynamicComponent> components = {};
 };
 
 struct DynamicDiskMember {
   u64 id = 0;
-  std::string name;
-  std::string guid;
-  std::string device;  // its last known name, as the record's alternate name says; empty: none
+  std::string name = {};
+  std::string guid = {};
+  std::string device = {};  // its last known name, as the record's alternate name says; empty: none
   bool thisDisk = false;
 };
 
 struct DynamicDisk {
-  std::string groupName;
-  std::string groupGuid;
-  std::string diskGuid;     // of this disk, as its PRIVHEAD says; GUIDs are in small letters
-  u64 logicalStart = 0;     // absolute sector
-  u64 logicalSize = 0;      // sectors
-  u64 databaseStart = 0;    // absolute sector of the configuration area
-  u64 databaseSize = 0;     // sectors
-  std::vector<Area> areas;  // of the configuration area: PRIVHEADs, TOCBLOCKs, VMDB, VBLKs, log
-  std::vector<DynamicDiskMember> disks;
-  std::vector<DynamicVolume> volumes;
-  std::vector<DynamicPartition> orphans;  // partitions whose component or volume is not there
-  std::vector<std::string> remarks;       // what does not fit together, a sentence each
+  std::string groupName = {};
+  std::string groupGuid = {};
+  std::string diskGuid = {};     // of this disk, as its PRIVHEAD says; GUIDs are in small letters
+  u64 logicalStart = 0;          // absolute sector
+  u64 logicalSize = 0;           // sectors
+  u64 databaseStart = 0;         // absolute sector of the configuration area
+  u64 databaseSize = 0;          // sectors
+  std::vector<Area> areas = {};  // of the configuration area: PRIVHEADs, TOCBLOCKs, VMDB, VBLKs, log
+  std::vector<DynamicDiskMember> disks = {};
+  std::vector<DynamicVolume> volumes = {};
+  std::vector<DynamicPartition> orphans = {};  // partitions whose component or volume is not there
+  std::vector<std::string> remarks;            // what does not fit together, a sentence each
 };
 
 // Reads the configuration of a dynamic disk whose PRIVHEAD stands (or should stand) in the sector, from the

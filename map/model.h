@@ -75,12 +75,12 @@ bool IsWrong(const Check& check);
 bool IsWrong(const Extent& extent);
 
 struct DiskFacts {
-  std::string path;  // the disk argument, UTF-8, safe to show
+  std::string path = {};  // the disk argument, UTF-8, safe to show
   u32 sectorSize = 0;
-  u64 sectors = 0;     // 0: unknown
-  u64 bytes = 0;       // 0: unknown
-  std::string scheme;  // "GPT", "MBR", "GPT, hybrid MBR", "none": what partitions it
-  std::string id;      // the disk GUID or the MBR's disk signature ("0x1234ABCD"), for sfdisk
+  u64 sectors = 0;          // 0: unknown
+  u64 bytes = 0;            // 0: unknown
+  std::string scheme = {};  // "GPT", "MBR", "GPT, hybrid MBR", "none": what partitions it
+  std::string id = {};      // the disk GUID or the MBR's disk signature ("0x1234ABCD"), for sfdisk
   // As the header of the GPT that the map follows states them; 0: there is none.
   u64 firstUsable = 0;  // absolute sectors
   u64 lastUsable = 0;
@@ -88,14 +88,14 @@ struct DiskFacts {
 };
 
 struct DiskMap {
-  DiskFacts disk;
-  std::vector<Extent> extents;  // by first sector, then those that hold others before what they hold
-  std::vector<Check> checks;    // by sector
-  std::optional<DynamicDisk> dynamicDisk;
-  std::optional<StorageSpaces> storageSpaces;
-  std::vector<std::string> cut;  // sentences: what was left out because there is too much of it
-  u64 structures = 0;            // that were found
-  u64 invalidStructures = 0;     // that are invalid or unreadable
+  DiskFacts disk = {};
+  std::vector<Extent> extents = {};  // by first sector, then those that hold others before what they hold
+  std::vector<Check> checks = {};    // by sector
+  std::optional<DynamicDisk> dynamicDisk = {};
+  std::optional<StorageSpaces> storageSpaces = {};
+  std::vector<std::string> cut = {};  // sentences: what was left out because there is too much of it
+  u64 structures = 0;                 // that were found
+  u64 invalidStructures = 0;          // that are invalid or unreadable
 
   // 0: nothing wrong found; 2: a check is bad or missing, or an extent has a flag that says that it is wrong.
   // A structure that must be where it is invalid has a check that says so; others may be absent.

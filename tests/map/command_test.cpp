@@ -174,7 +174,7 @@ TEST_F(MapCommand, NamesOfTheDiskDoNotControlTheTerminal) {
 }
 
 TEST_F(MapCommand, OnATerminalItIsATableThatFits) {
-  for (const unsigned short columns : {40, 80, 200}) {
+  for (const unsigned short columns : std::initializer_list<unsigned short>{40, 80, 200}) {
     const TerminalSession session =
         RunOnTerminal({"env", "LC_ALL=C.UTF-8", "TERM=dumb", TROVISK_MAP_PROGRAM, "disk.img"},
                       OutputTo::kTerminal, columns);

@@ -338,7 +338,7 @@ DynamicDisk TwoDisks() {
   DynamicDisk dynamic;
   dynamic.groupName = "Group";
   dynamic.groupGuid = "11111111-2222-3333-4444-555555555555";
-  dynamic.disks = {{.name = "Disk1", .thisDisk = true}, {.name = "Disk2", .missing = true}};
+  dynamic.disks = {{.name = "Disk1", .thisDisk = true}, {.name = "Disk2", .device = "/dev/old"}};
   DynamicComponent component{.name = "Volume1-01", .type = "striped", .state = "active", .stripeSize = 128};
   component.columns = 2;
   component.partitions = {{.name = "Disk1-01",
@@ -365,7 +365,7 @@ TEST(TextMap, AVolumeOfADynamicDiskIsALineWithItsPartsBelow) {
   EXPECT_EQ(JoinedViews(map, Person(80)),
             R"(Dynamic disk of the group Group, {11111111-2222-3333-4444-555555555555}
   disk Disk1, this one
-  disk Disk2, missing
+  disk Disk2, last known as /dev/old
   Volume1, striped, 2.0 MiB, ACTIVE, E:
     Volume1-01, striped, 2 columns, stripes of 64.0 KiB, active
       column 0: Disk1-01, 1.0 MiB, on Disk1 (this disk, from sector 63)
