@@ -102,7 +102,7 @@ std::string Labels(const std::vector<Piece>& pieces, const TextStyle& style) {
     constexpr std::size_t kBesideName = 3;  // the letter and two blanks
     constexpr std::size_t kWorthCutting = 8;
     const std::size_t room = piece.columns - std::min(piece.columns, kBesideName);
-    if (DisplayWidth(piece.label) <= room || room >= kWorthCutting)
+    if (!piece.label.empty() && (DisplayWidth(piece.label) <= room || room >= kWorthCutting))
       label.append(" ").append(CutToWidth(piece.label, room, style.utf8));
     line.append(blanks - piece.columns, ' ');
     blanks = piece.columns - DisplayWidth(label);

@@ -41,7 +41,7 @@ std::string Extents(const DiskMap& map) {
         Record({"extent", Value(extent.first), Value(extent.last), reversed ? "-" : Value(SectorsOf(extent)),
                 Value(NameOfKind(extent.kind)), Value(extent.type), Value(extent.typeName),
                 Value(extent.name), Value(extent.source), FlagsValue(extent.flags), Value(extent.depth),
-                Value(extent.id), Value(extent.attributes)});
+                extent.number == 0 ? "-" : Value(extent.number), Value(extent.id), Value(extent.attributes)});
   }
   return text;
 }

@@ -212,9 +212,12 @@ TEST(Signatures, MemberOfARaidCountsMoreThanWhatItHolds) {
 }
 
 TEST(Signatures, ZfsByItsUberblocksInEitherByteOrder) {
-  EXPECT_EQ(Content().Le64(131072 + 37 * 1024, 0x00BAB10C).Named(), "ZFS [] 0 at 430");
-  EXPECT_EQ(Content().Be64(131072 + 127 * 1024, 0x00BAB10C).Named(), "ZFS [] 0 at 610");
-  EXPECT_EQ(Content().Le64(131072 + 128 * 1024, 0x00BAB10C).Named(), "nothing");
+  // The list of names and values that stands in front of the uberblocks.
+  const auto labelled = [] { return Content().Le64(16384, 0x0101); };
+  EXPECT_EQ(labelled().Le64(131072 + 37 * 1024, 0x00BAB10C).Named(), "ZFS [] 0 at 430");
+  EXPECT_EQ(labelled().Be64(131072 + 127 * 1024, 0x00BAB10C).Named(), "ZFS [] 0 at 610");
+  EXPECT_EQ(labelled().Le64(131072 + 128 * 1024, 0x00BAB10C).Named(), "nothing");
+  EXPECT_EQ(Content().Le64(131072 + 37 * 1024, 0x00BAB10C).Named(), "nothing");
 }
 
 TEST(Signatures, Apfs) {
@@ -242,7 +245,7 @@ TEST(Signatures, Iso9660AndUdf) {
   // A medium may have both: UDF is what systems prefer.
   content.Text(32768 + 3 * 2048 + 1, "NSR02");
   EXPECT_EQ(content.Named(), "UDF [] 0 at 176");
-  EXPECT_EQ(Content().Text(32768 + 2048 + 1, "NSR03").Named(), "UDF [] 0 at 168");
+  EXPECT_EQ(Content().Text(32768 + 1, "BEA01").Text(32768 + 2048 + 1, "NSR03").Named(), "UDF [] 0 at 168");
 }
 
 TEST(Signatures, LabelsAreSafeToShow) {

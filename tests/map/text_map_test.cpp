@@ -299,7 +299,7 @@ TEST(DiskBar, IsNotThereWhereTheDiskHasNoLength) {
   DiskMap map = SmallMap();
   map.disk.sectors = 0;
   EXPECT_EQ(DiskBar(map, Person(80)), "");
-  EXPECT_TRUE(MapAsText(map, Person(80)).starts_with("disk.img, sectors of 512 bytes, MBR\n\n  first"));
+  EXPECT_TRUE(MapAsText(map, Person(80)).starts_with("disk.img, sectors of 512 bytes, MBR\n\nfirst"));
 }
 
 TEST(TextMap, FoldsAreasOfALongMapButNotThoseThatAreWrong) {
