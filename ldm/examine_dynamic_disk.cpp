@@ -69,14 +69,13 @@ void AddRemarks(const LdmObjects& objects, const TocFacts& toc, const VmdbFacts&
   const LdmCounts& created = objects.created;
   const u64 pending = created.volumes + created.components + created.partitions + created.disks;
   if (pending != 0) {
-    remarks.push_back(std::to_string(pending) +
-                      " records are created, but not yet active, and are left out.");
+    remarks.push_back("Records created but not yet active, and left out: " + std::to_string(pending) + ".");
   }
   if (objects.aboutToBeDeleted != 0) {
-    remarks.push_back(std::to_string(objects.aboutToBeDeleted) + " records are about to be deleted.");
+    remarks.push_back("Records about to be deleted: " + std::to_string(objects.aboutToBeDeleted) + ".");
   }
   for (const auto& [type, count] : objects.unknown) {
-    remarks.push_back(std::to_string(count) + " records are of the unknown type " + std::to_string(type) +
+    remarks.push_back("Records of the unknown type " + std::to_string(type) + ": " + std::to_string(count) +
                       ".");
   }
 }

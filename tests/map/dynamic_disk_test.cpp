@@ -169,8 +169,8 @@ TEST(DynamicDisk, RecordsThatAreNotYetActiveAreLeftOut) {
   const Examined examined = ExamineLdm(MakeGroupDisk({.records = records, .counts = kFiveVolumesCounts}));
   EXPECT_EQ(Failed(examined.checks), Texts{});
   EXPECT_EQ(VolumeNamed(examined, "Simple")[0], "Simple: simple, ACTIVE, 1000, hint [E:]");
-  EXPECT_EQ(examined.dynamic->remarks, (Texts{"1 records are created, but not yet active, and are left out.",
-                                              "1 records are about to be deleted."}));
+  EXPECT_EQ(examined.dynamic->remarks, (Texts{"Records created but not yet active, and left out: 1.",
+                                              "Records about to be deleted: 1."}));
 }
 
 TEST(DynamicDisk, PartitionsWithoutComponentOrVolumeAreOrphans) {
