@@ -91,7 +91,7 @@ TEST(HtmlPage, EveryPlaceOfTheTemplateIsFilled) {
   ASSERT_NE(kPageTemplate.find("{{script}}"), std::string_view::npos);
   const std::string page = Page({});
   EXPECT_EQ(page.find("{{"), std::string::npos);
-  EXPECT_TRUE(page.starts_with("<!doctype html>\n"));
+  EXPECT_TRUE(page.starts_with("<!DOCTYPE html>\n"));
   EXPECT_TRUE(page.ends_with("</html>\n"));
 }
 
