@@ -34,7 +34,7 @@ _trovisk_map() {
       return
       ;;
     --width) return ;;
-    -o | --output) return ;; # any file name
+    -o | --output | --html) return ;; # any file name
     --compare)
       _trovisk_map_disks "$current"
       _trovisk_map_files "$current" "$images|json"
@@ -42,7 +42,7 @@ _trovisk_map() {
       ;;
   esac
   if [[ $current == -* ]]; then
-    mapfile -t COMPREPLY < <(compgen -W '--json --sfdisk --compare --list --output --all --width --color --help
+    mapfile -t COMPREPLY < <(compgen -W '--json --html --sfdisk --compare --list --output --all --width --color --help
       --version' -- "$current")
     return
   fi

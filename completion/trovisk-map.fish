@@ -22,6 +22,7 @@ complete --command trovisk-map --no-files
 complete --command trovisk-map --arguments '(__trovisk_map_disks)' --description Disk
 complete --command trovisk-map --arguments '(__trovisk_map_files)'
 complete --command trovisk-map --long-option json --description 'One JSON document'
+complete --command trovisk-map --long-option html --require-parameter --force-files --description 'A page for a browser'
 complete --command trovisk-map --long-option sfdisk --description 'A script for sfdisk'
 complete --command trovisk-map --long-option compare --require-parameter --description 'Compare with a disk or a saved map' --arguments '(__trovisk_map_disks; __trovisk_map_files)'
 complete --command trovisk-map --long-option list --description 'The disks of this machine'

@@ -17,11 +17,12 @@ _trovisk_map_disk() {
 }
 
 _arguments '(- *)'{-h,--help}'[how it is called]' '(- *)--version[its version]' \
-  '(--sfdisk --compare --list)--json[one JSON document]' \
-  '(--json --compare --list)--sfdisk[a script for sfdisk]' \
-  '(--json --sfdisk --list)--compare=[compare with a disk or a saved map]:older disk or map:_trovisk_map_disk' \
-  '(--json --sfdisk --compare 1)--list[the disks of this machine]' \
-  '(-o --output)'{-o+,--output=}'[write a file in place of standard output]:file:_files' \
+  '(--html --sfdisk --compare --list)--json[one JSON document]' \
+  '(--json --sfdisk --compare --list -o --output)--html=[a page for a browser]:file:_files' \
+  '(--json --html --compare --list)--sfdisk[a script for sfdisk]' \
+  '(--json --html --sfdisk --list)--compare=[compare with a disk or a saved map]:older disk or map:_trovisk_map_disk' \
+  '(--json --html --sfdisk --compare 1)--list[the disks of this machine]' \
+  '(-o --output --html)'{-o+,--output=}'[write a file in place of standard output]:file:_files' \
   '--all[every row and every check]' \
   '--width=[a table for so many columns]:columns:' \
   '--color=[when to use colours]:when:(auto always never)' \

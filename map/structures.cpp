@@ -33,6 +33,7 @@ std::vector<StructureField> FieldsOf(const Catcher::Caught& caught) {
     // A text that fills its field is shown with the NULs behind it.
     while (!value.empty() && (value.back() == '\n' || value.back() == ' ' || value.back() == '\0'))
       value.pop_back();
+    if (note.label.ends_with("0x")) value.insert(0, "0x");  // else nobody tells 0x10 from 10
     fields.push_back({.label = LabelText(note.label),
                       .value = std::move(value),
                       .offset = note.offset.value_or(0),

@@ -6,6 +6,7 @@ import { sizeText } from "./format.js";
 import { isAlarming, titleOf } from "./looks.js";
 
 const CHARACTER = 6.7;
+const SECOND_ROW = 20;
 
 // view: {from, length} in sectors.
 export function scaleOf(view, width) {
@@ -122,18 +123,16 @@ function drawMarks(marks, scale, top, interactive) {
   return drawn;
 }
 
-// Around the rows of what overlaps, and striped where two of them meet, so that each can be seen.
-function drawOverlaps(lanes, scale, top, bottom) {
-  const rows = lanes.partitions.length;
+// Around the rows of what overlaps, and striped where two of them meet, so that each can be seen. tops: of the rows.
+function drawOverlaps(overlaps, scale, tops, bottom) {
   const drawn = [];
-  for (const overlap of lanes.overlaps) {
+  for (const overlap of overlaps) {
     if (!scale.shows(overlap)) continue;
     const x = scale.x(overlap.start);
     const width = Math.max(scale.x(overlap.end + 1n) - x, 3);
-    drawn.push(svg("rect", { x, y: top, width, height: bottom - top, class: "overlap" }));
-    for (let row = 1; row < rows; row += 1) {
-      const y = top + ((bottom + 2 - top) * row) / rows - 6;
-      drawn.push(svg("rect", { x, y, width, height: 10, fill: "url(#look-alarm)", class: "overlap-stripe" }));
+    drawn.push(svg("rect", { x, y: tops[0], width, height: bottom - tops[0], class: "overlap" }));
+    for (const top of tops.slice(1)) {
+      drawn.push(svg("rect", { x, y: top - 6, width, height: 10, fill: "url(#look-alarm)", class: "overlap-stripe" }));
     }
   }
   return drawn;
@@ -147,16 +146,16 @@ export function drawBar({ lanes, marks, view, width, heights, interactive }) {
   for (const name of ["containers", "partitions", "volumes", "areas"]) {
     const height = heights[name];
     if (!height || lanes[name].length === 0) continue;
-    const laneTop = top;
+    const tops = [];
     for (const row of lanes[name]) {
       if (!row.some(scale.shows)) continue;
-      const rowHeight = name === "partitions" && lanes[name].length > 1 ? Math.max(height / 1.5, 22) : height;
+      const rowHeight = name === "partitions" && tops.length > 0 ? SECOND_ROW : height;
       parts.push(svg("rect", { x: 0, y: top, width, height: rowHeight, class: "lane", rx: 2 }));
-      parts.push(...drawRow(row, scale, top, rowHeight, interactive));
+      parts.push(...drawRow(row, scale, top, rowHeight, interactive).flat());
+      tops.push(top);
       top += rowHeight + 2;
     }
-    if (name !== "partitions") continue;
-    parts.push(...drawOverlaps(lanes, scale, laneTop, top - 2));
+    if (name === "partitions") parts.push(...drawOverlaps(lanes.overlaps, scale, tops, top - 2));
   }
   parts.push(...drawMarks(marks, scale, top, interactive));
   return { parts, scale, height: top + 13 };

@@ -33,6 +33,22 @@ export function bytesOfQuery(query) {
   return String.fromCharCode(...plain.match(/../g).map((pair) => parseInt(pair, 16)));
 }
 
+// Where the words stand in a line, in their order: place and length, or null.
+function matcher(query) {
+  const words = query.split(/\s+/);
+  if (words.length === 1) {
+    return (text) => {
+      const at = text.indexOf(query);
+      return at < 0 ? null : [at, query.length];
+    };
+  }
+  const pattern = new RegExp(words.map((word) => word.replace(/[\\^$.*+?()[\]{}|/]/g, "\\$&")).join("[^\\n]{0,60}?"));
+  return (text) => {
+    const found = pattern.exec(text);
+    return found && [found.index, found[0].length];
+  };
+}
+
 // The line around the place, with the place itself.
 function snippet(text, at, length) {
   const start = Math.max(text.lastIndexOf("\n", at) + 1, at - 40);
@@ -41,19 +57,24 @@ function snippet(text, at, length) {
   return [text.slice(start, at), text.slice(at, at + length), text.slice(at + length, end)];
 }
 
-function placeFound(structure, wanted) {
-  return (
-    structure.fields.find((f) => f.offset !== null && lower(`${f.label}: ${f.value}`).includes(wanted))?.offset ?? null
-  );
+function placeFound(structure, match) {
+  return structure.fields.find((f) => f.offset !== null && match(lower(`${f.label}: ${f.value}`)))?.offset ?? null;
 }
 
-function searchExtents(wanted, add) {
+function searchExtents(match, add) {
   for (const extent of doc.extents) {
-    const text = [titleOf(extent), extent.type, extent.id, extent.source, extent.flags.join(" "), extent.kind].join(
-      "\n",
-    );
-    const at = lower(text).indexOf(wanted);
-    if (at >= 0) add({ extent, title: titleOf(extent), snippet: snippet(text, at, wanted.length) });
+    const { type, id, source, flags, kind } = extent;
+    const text = [titleOf(extent), type, id, source, flags.join(" "), kind].join("\n");
+    const found = match(lower(text));
+    if (found) add({ extent, title: titleOf(extent), snippet: snippet(text, ...found) });
+  }
+}
+
+function searchChecks(match, add) {
+  for (const check of doc.checks) {
+    const text = `${check.verdict}: ${check.check}, found ${check.found}, expected ${check.expected}`;
+    const found = match(lower(text));
+    if (found) add({ sector: check.sector, title: check.check, kind: "check", snippet: snippet(text, ...found) });
   }
 }
 
@@ -89,18 +110,15 @@ export function search(query, most) {
     if (results.length < most) results.push(result);
   };
   if (!entries) build();
+  const match = matcher(wanted);
   searchNumber(wanted, add);
-  searchExtents(wanted, add);
+  searchExtents(match, add);
   searchBytes(query.trim(), add);
   for (const { structure, lowered, text } of entries) {
-    const at = lowered.indexOf(wanted);
-    if (at < 0) continue;
-    add({
-      structure,
-      offset: placeFound(structure, wanted),
-      title: structure.title,
-      snippet: snippet(text, at, wanted.length),
-    });
+    const found = match(lowered);
+    if (!found) continue;
+    add({ structure, offset: placeFound(structure, match), title: structure.title, snippet: snippet(text, ...found) });
   }
+  searchChecks(match, add);
   return { results, count };
 }

@@ -18,6 +18,7 @@ function hrefOf(result) {
 
 function resultRow(result, index) {
   const sector = result.extent?.first ?? result.structure?.sector ?? result.sector;
+  const kind = result.extent?.kind ?? result.kind;
   const [before, found, after] = result.snippet;
   return el(
     "li",
@@ -30,7 +31,7 @@ function resultRow(result, index) {
         "span",
         { class: "found" },
         el("strong", {}, result.title),
-        result.extent ? el("span", { class: "quiet" }, ` ${result.extent.kind}`) : "",
+        kind ? el("span", { class: "quiet" }, ` ${kind}`) : "",
         found ? el("span", { class: "snippet" }, before, el("mark", {}, found), after) : "",
       ),
     ),

@@ -40,12 +40,13 @@ expect old =                        # a saved map is no disk
 expect --compare old = old.json     # but it can be compared
 expect --compare old.json o = old.json
 expect --json d = disk.img disk.raw # options stand before the disk
-expect -- = --json --sfdisk --compare --list --output --all --width --color --help --version
+expect -- = --json --html --sfdisk --compare --list --output --all --width --color --help --version
 expect --co = --compare --color
 expect --color = --color
 expect --color a = auto always
 expect --color never d = disk.img disk.raw
 expect --width 4 =
+expect --html d =
 expect --output d =                 # any file: left to the default
 expect -o d =
 exit $failed

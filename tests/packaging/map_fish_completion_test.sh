@@ -26,9 +26,10 @@ expect() {
 expect "trovisk-map d" = disk.img disk.raw
 expect "trovisk-map tw" = "two words.IMG"
 expect "trovisk-map notes" = notes.txt # no image: any file
-expect "trovisk-map --" = --all --color --compare --help --json --list --output --sfdisk --version --width
+expect "trovisk-map --" = --all --color --compare --help --html --json --list --output --sfdisk --version --width
 expect "trovisk-map --color " = auto always never
 expect "trovisk-map --compare ol" = old.json
 expect "trovisk-map --output no" = notes.txt
+expect "trovisk-map --html no" = notes.txt
 expect "trovisk-map --json d" = disk.img disk.raw
 exit $failed

@@ -59,6 +59,7 @@ expect "trovisk-map --json d" = "trovisk-map --json disk.img "
 expect "trovisk-map --compare s" = "trovisk-map --compare saved.json "
 expect "trovisk-map --color=n" = "trovisk-map --color=never "
 expect "trovisk-map -o n" = "trovisk-map -o notes.txt "
+expect "trovisk-map --html=n" = "trovisk-map --html=notes.txt "
 expect "trovisk-map disk.img d" = "trovisk-map disk.img d" # one disk alone
 zpty -d shell
 

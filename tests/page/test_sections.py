@@ -135,6 +135,10 @@ class Sections(unittest.TestCase):
         self.assertTrue(any(href.startswith("#extent-") and "SAMPLE FAT" in text for href, text in self.search("sample fat")))
         self.assertTrue(any(href == "#sector-1+40" for href, _ in self.search("First Usable LBA")))
         self.assertTrue(any("ReFS" in text for _, text in self.search("0x3883")) or self.search("supb"))
+        self.assertTrue(any(href.startswith("#sector-2+") for href, _ in self.search("partition guid")))
+        self.assertTrue(any(text.startswith("1GPT primary header CRC-32 check") for _, text in self.search("header crc good") +
+                            self.search("good: gpt primary header crc")))
+        self.assertEqual(self.search("(a[b]*"), [])
         self.assertEqual(self.search("79872")[0][0], "#sector-79872")
         self.assertTrue(any(href == "#sector-2048+510" for href, _ in self.search("55 aa")))
         self.assertTrue(any(href == "#sector-1+0" for href, _ in self.search("4546492050415254")))

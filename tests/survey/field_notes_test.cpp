@@ -40,6 +40,10 @@ TEST(FieldNotes, OfAGptHeader) {
     EXPECT_EQ(fields[0], "Magic Number = EFI PART @0+8");
     EXPECT_NE(std::find(fields.begin(), fields.end(), "Header Size = 92 @12+4"), fields.end());
     EXPECT_NE(std::find(fields.begin(), fields.end(), "Backup Header LBA = 4095 @32+8"), fields.end());
+    const auto checksum = std::find_if(fields.begin(), fields.end(), [](const std::string& field) {
+      return field.starts_with("CRC32 Checksum = 0x") && field.ends_with(" @16+4");
+    });
+    EXPECT_NE(checksum, fields.end());
     EXPECT_NE(
         std::find(fields.begin(), fields.end(), "Disk GUID = 9ABCDEF0-1234-5678-9ABC-DEF012345678 @56+16"),
         fields.end());
