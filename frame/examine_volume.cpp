@@ -30,6 +30,13 @@ std::optional<u64> SectorsAt(const VolumePlace& place) {
   return place.lastOnDisk - place.sector + 1;
 }
 
+std::vector<u64> PlacesOfSector(u64 sector) {
+  std::vector<u64> places(kVolumeSectorSizes.begin(), kVolumeSectorSizes.end());
+  for (u64& place : places)
+    place *= sector;
+  return places;
+}
+
 std::vector<u64> PlacesOfLastSector(const VolumePlace& place) {
   std::vector<u64> places;
   const u64 bytes = Product(SectorsAt(place).value_or(0), disk.bytesPerSector).value_or(0);

@@ -27,7 +27,10 @@ std::optional<u64> SectorsAt(const VolumePlace& place);
 // Bytes per sector that a volume can have, whatever the disk's are.
 inline constexpr std::array<u64, 4> kVolumeSectorSizes = {512, 1024, 2048, 4096};
 
-// Where the last sector of the place begins, for each of these sizes: bytes from the volume's start.
+// Where a sector of the volume begins, for each of these sizes: bytes from the volume's start.
+std::vector<u64> PlacesOfSector(u64 sector);
+
+// Where the last sector of the place begins, for each of these sizes likewise.
 std::vector<u64> PlacesOfLastSector(const VolumePlace& place);
 
 // The bytes from an offset of the volume on, at most 1 MiB. None where they cannot be read as a whole; what

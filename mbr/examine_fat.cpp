@@ -133,13 +133,6 @@ void CheckFsInfo(VolumeFindings& findings, const Volume& volume) {
                    });
 }
 
-std::vector<u64> UsualPlacesOfBackup() {
-  std::vector<u64> places;
-  for (const u64 size : kVolumeSectorSizes)
-    places.push_back(kUsualBackupSector * size);
-  return places;
-}
-
 // Only FAT32 has one.
 bool IsFat32BootSector(SectorView boot) {
   const auto geometry = FatGeometryOf(boot);
@@ -156,7 +149,7 @@ VolumeFindings ExamineFat(const VolumePlace& place) {
                                      .backupName = kBackupName,
                                      .complaint = FatComplaint,
                                      .isBackup = IsFat32BootSector,
-                                     .backups = UsualPlacesOfBackup()});
+                                     .backups = PlacesOfSector(kUsualBackupSector)});
   if (!found) return findings;
   const SectorView boot(found->bytes);
   const Volume volume{place, boot, FatGeometryOf(boot).value_or(FatGeometry{})};

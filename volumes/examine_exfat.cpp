@@ -144,13 +144,6 @@ void CheckRegions(VolumeFindings& findings, const VolumePlace& place, u64 bytesP
       CheckCopy(backupSector, "exFAT backup boot region", *main, *backup, "the bytes of the boot region"));
 }
 
-std::vector<u64> PlacesOfBackup() {
-  std::vector<u64> places;
-  for (const u64 size : kVolumeSectorSizes)
-    places.push_back(kBackupRegion * size);
-  return places;
-}
-
 }  // namespace
 
 bool IsExFatBootSector(SectorView boot) {
@@ -165,7 +158,7 @@ VolumeFindings ExamineExFat(const VolumePlace& place) {
                                      .backupName = kBackupName,
                                      .complaint = Complaint,
                                      .isBackup = IsExFatBootSector,
-                                     .backups = PlacesOfBackup()});
+                                     .backups = PlacesOfSector(kBackupRegion)});
   if (!found) return findings;
   const SectorView boot(found->bytes);
   const Geometry geometry = Compute(boot);
