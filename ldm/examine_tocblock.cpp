@@ -125,7 +125,7 @@ TocFacts ExamineTocBlocks(const PrivheadFacts& head, u64 lastOnDisk, std::vector
   u64 missing = 0;
   const std::vector<Copy> copies = ReadCopies(head, lastOnDisk, missing);
   const u64 expected = ExpectedCopies(head);
-  const bool enough = copies.size() >= expected;
+  const bool enough = !copies.empty() && copies.size() >= expected;
   checks.push_back({enough ? copies[0].sector : missing, "TOCBLOCK copies",
                     enough ? Verdict::kGood : Verdict::kMissing, std::to_string(copies.size()),
                     std::to_string(expected)});
