@@ -34,7 +34,7 @@ std::string SizeOfExtent(const Extent& extent, u32 sectorSize) {
 
 std::string Indented(u64 depth, std::string_view text) {
   constexpr u64 kDeepest = 4;
-  return std::string(static_cast<std::size_t>(2 * std::min(depth, kDeepest)), ' ').append(text);
+  return std::string(static_cast<std::size_t>(std::min(depth, kDeepest)), ' ').append(text);
 }
 
 ExtentRow RowOf(const Extent& extent, std::optional<std::size_t> number, u32 sectorSize) {

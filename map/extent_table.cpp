@@ -52,26 +52,35 @@ std::size_t LineWidth(const Widths& widths) {
   return width;
 }
 
-// The widths with type, name and source made narrower, the widest first, until a line has the width; none
-// where they would become narrower than least.
-std::optional<Widths> Narrowed(Widths widths, std::size_t width, std::size_t least) {
+// The widths with texts made narrower, the widest first, until a line has the width; none where that would
+// take more than to least.
+std::optional<Widths> Narrowed(Widths widths, std::size_t width, const Widths& least) {
   while (LineWidth(widths) > width) {
-    const auto widest = std::max_element(widths.begin() + kType, widths.begin() + kSource + 1);
-    if (*widest <= least) return std::nullopt;
-    --*widest;
+    std::size_t widest = kExtentColumns;
+    for (const std::size_t column : {kType, kName, kSource}) {
+      const bool mayShrink = widths[column] > least[column];
+      if (mayShrink && (widest == kExtentColumns || widths[column] > widths[widest])) widest = column;
+    }
+    if (widest == kExtentColumns) return std::nullopt;
+    --widths[widest];
   }
   return widths;
 }
 
+// What something is and is called says more than which structure says so.
 std::optional<Widths> FittingWidths(const Widths& natural, std::size_t width) {
-  constexpr std::size_t kComfortable = 14;
-  constexpr std::size_t kLeast = 8;
-  if (const auto widths = Narrowed(natural, width, kComfortable)) return widths;
+  const auto least = [](std::size_t ofText, std::size_t ofSource) {
+    Widths widths{};
+    widths[kType] = widths[kName] = ofText;
+    widths[kSource] = ofSource;
+    return widths;
+  };
+  if (const auto widths = Narrowed(natural, width, least(20, 11))) return widths;
   Widths fewer = natural;
   fewer[kSource] = 0;
-  if (const auto widths = Narrowed(fewer, width, kLeast)) return widths;
+  if (const auto widths = Narrowed(fewer, width, least(16, 0))) return widths;
   fewer[kFlags] = 0;
-  return Narrowed(fewer, width, kLeast);
+  return Narrowed(fewer, width, least(8, 0));
 }
 
 Colour ColourOf(std::size_t column, const ExtentRow& row) {
