@@ -126,9 +126,10 @@ TocFacts ExamineTocBlocks(const PrivheadFacts& head, u64 lastOnDisk, std::vector
   const std::vector<Copy> copies = ReadCopies(head, lastOnDisk, missing);
   const u64 expected = ExpectedCopies(head);
   const bool enough = !copies.empty() && copies.size() >= expected;
-  checks.push_back({enough ? copies[0].sector : missing, "TOCBLOCK copies",
-                    enough ? Verdict::kGood : Verdict::kMissing, std::to_string(copies.size()),
-                    std::to_string(expected)});
+  u64 judged = missing;
+  if (enough) judged = copies.front().sector;
+  checks.push_back({judged, "TOCBLOCK copies", enough ? Verdict::kGood : Verdict::kMissing,
+                    std::to_string(copies.size()), std::to_string(expected)});
   if (copies.empty()) {
     const Region usual{"config", kUsualConfigStart, head.configRegionSize};
     facts.configStart = head.configStart + std::min(usual.start, head.configSize);
