@@ -146,10 +146,9 @@ class Walk {
     const std::wstring description(found.entry.description);  // the table may move
     ++visits_;
     BetweenSectors(sector);
-    u64 last = sector;
+    u64 last = found.last;
     Reader reader{found.entry.decoder, description};
     if (lastOnDisk_ != ~u64{0} && sector > lastOnDisk_) {
-      last = found.last;
       Count(sector, last, reader,
             {.decoded = false, .valid = false, .message = "lies beyond the end of the disk"});
     } else {
