@@ -6,6 +6,7 @@
 #include <fstream>
 #include <optional>
 
+#include "frame/examination.h"
 #include "map/differences.h"
 #include "map/document.h"
 #include "map/json_map.h"
@@ -31,8 +32,9 @@ std::optional<std::string> SavedMap(const std::string& argument) {
   while (file && text.size() <= kLargest) {
     file.read(piece.data(), piece.size());
     text.append(piece.data(), static_cast<std::size_t>(file.gcount()));
-    if (!LooksLikeDocument(text)) return std::nullopt;
+    if (!LooksLikeDocument(text)) break;
   }
+  if (!LooksLikeDocument(text)) return std::nullopt;
   return text;
 }
 
@@ -63,7 +65,7 @@ std::optional<Document> DocumentOf(const std::string& argument, std::string& com
   } else {
     document = ParseDocument(*text, complaint);
   }
-  if (!document) complaint = argument + " " + complaint;
+  if (!document) complaint = SafeUtf8(argument) + " " + complaint;
   return document;
 }
 

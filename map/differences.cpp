@@ -81,7 +81,7 @@ class Lines {
 };
 
 std::string Turn(std::string_view before, std::string_view after) {
-  return Shown(before) + " -> " + Shown(after);
+  return before == after ? Shown(before) : Shown(before) + " -> " + Shown(after);
 }
 
 // The fields of one label keep their order.
@@ -185,17 +185,20 @@ ItemKey AllValues(std::size_t count) {
 }
 
 const Section& Extents() {
-  static const Section section = {kExtentLabels,
-                                  {{kExtentKind, kExtentId, kExtentFirst, kExtentLast, kExtentSource},
-                                   {kExtentKind, kExtentId},
-                                   {kExtentKind, kExtentFirst, kExtentLast, kExtentTypeName},
-                                   {kExtentKind, kExtentFirst, kExtentTypeName},
-                                   {kExtentKind, kExtentType, kExtentTypeName, kExtentName, kExtentSize},
-                                   {kExtentKind, kExtentSource, kExtentNumber},
-                                   {kExtentKind, kExtentFirst},
-                                   AllValues(kExtentSize + 1)},
-                                  ExtentTitle,
-                                  {kExtentFirst, kExtentLast}};
+  static const Section section = {
+      kExtentLabels,
+      {{kExtentKind, kExtentId, kExtentType, kExtentTypeName, kExtentName, kExtentFirst, kExtentLast,
+        kExtentSource},
+       {kExtentKind, kExtentId, kExtentType, kExtentTypeName, kExtentName, kExtentFirst, kExtentLast},
+       {kExtentKind, kExtentId},
+       {kExtentKind, kExtentFirst, kExtentLast, kExtentTypeName},
+       {kExtentKind, kExtentFirst, kExtentTypeName},
+       {kExtentKind, kExtentType, kExtentTypeName, kExtentName, kExtentSize},
+       {kExtentKind, kExtentSource, kExtentNumber},
+       {kExtentKind, kExtentFirst},
+       AllValues(kExtentSize + 1)},
+      ExtentTitle,
+      {kExtentFirst, kExtentLast}};
   return section;
 }
 
