@@ -5,10 +5,12 @@ and checks each printed value against what the tool itself says of the image. It
 anything differs.
 """
 
+import json
 import os
 import shutil
 import subprocess
 import sys
+import time
 
 _differences = 0
 
@@ -21,7 +23,7 @@ def tool(name, *arguments, text=None):
     environment = dict(os.environ, LC_ALL="C", TZ="UTC")
     run = subprocess.run([path, *map(str, arguments)], input=text, capture_output=True, text=True, env=environment)
     if run.returncode != 0:
-        sys.exit(f"{name} failed:\n{run.stdout}{run.stderr}")
+        sys.exit(f"{name} {arguments} failed:\n{run.stdout}{run.stderr}")
     return run.stdout
 
 
@@ -29,6 +31,37 @@ def sparse_image(path, size):
     """Makes an image of so many zero bytes."""
     with open(path, "wb") as image:
         image.truncate(size)
+
+
+def loop_devices_exist():
+    """Whether this machine lets this user make loop devices."""
+    try:
+        os.close(os.open("/dev/loop-control", os.O_RDWR))
+    except OSError:
+        return False
+    return True
+
+
+def loop_device(image, sector_size):
+    """A loop device of that sector size, or None where the machine allows none."""
+    if not loop_devices_exist():
+        return None
+    command = ["losetup", "--find", "--show", "--sector-size", str(sector_size), image]
+    environment = dict(os.environ, LC_ALL="C", PATH=os.environ.get("PATH", "") + ":/usr/sbin:/sbin")
+    for _ in range(50):  # another process may take the free device that was found
+        run = subprocess.run(command, capture_output=True, text=True, check=False, env=environment)
+        if run.returncode == 0:
+            return run.stdout.strip()
+        if "not permitted" in run.stderr or "Permission denied" in run.stderr:
+            return None
+        time.sleep(0.02)
+    sys.exit(f"no loop device: {run.stderr}")
+
+
+def the_map(image, sector_size):
+    """The document that trovisk-map (its path is the script's fourth argument) makes of an image, and its status."""
+    run = subprocess.run([sys.argv[4], "--json", f"{image}@{sector_size}"], capture_output=True)
+    return json.loads(run.stdout), run.returncode
 
 
 def report(image, sector_size, *sectors):

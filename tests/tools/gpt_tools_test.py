@@ -8,13 +8,10 @@ these images are made and listed with, and the test counts as skipped.
 import json
 import os
 import re
-import subprocess
-import sys
 import tempfile
-import time
 import zlib
 
-from comparison import expect, finish, report, sparse_image, table_of_contents, tool
+from comparison import expect, finish, loop_device, report, sparse_image, table_of_contents, tool
 
 IMAGE_BYTES = 64 << 20
 
@@ -266,31 +263,6 @@ def compare_registrations(image, sector_size, partitions, used):
 
 
 # The disks.
-
-def loop_devices_exist():
-    """Whether this machine lets this user make loop devices."""
-    try:
-        os.close(os.open("/dev/loop-control", os.O_RDWR))
-    except OSError:
-        return False
-    return True
-
-
-def loop_device(image, sector_size):
-    """A loop device of that sector size, or None where the machine allows none."""
-    if not loop_devices_exist():
-        return None
-    command = ["losetup", "--find", "--show", "--sector-size", str(sector_size), image]
-    environment = dict(os.environ, LC_ALL="C", PATH=os.environ.get("PATH", "") + ":/usr/sbin:/sbin")
-    for _ in range(50):  # another process may take the free device that was found
-        run = subprocess.run(command, capture_output=True, text=True, check=False, env=environment)
-        if run.returncode == 0:
-            return run.stdout.strip()
-        if "not permitted" in run.stderr or "Permission denied" in run.stderr:
-            return None
-        time.sleep(0.02)
-    sys.exit(f"no loop device: {run.stderr}")
-
 
 def make_with_sgdisk(device):
     tool("sgdisk", "-o", "-U", "9ABCDEF0-1234-5678-9ABC-DEF012345678", "-a", 1,
