@@ -22,7 +22,7 @@ from comparison import expect, finish
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
 INDEX = TOP / "docs" / "README.md"
-PROGRAM, MAKE_SAMPLES, INVENTED_CODE_PROGRAM = sys.argv[1:]
+PROGRAM, MAKE_SAMPLES, INVENTED_CODE_PROGRAM = sys.argv[1:4]
 
 EXAMPLE = re.compile(r"^<!-- example: (sample-\w+\.img)((?: \d+){0,2})(, invented boot code)? -->\n\n```text\n"
                      r"(.*?)^```$", re.MULTILINE | re.DOTALL)
