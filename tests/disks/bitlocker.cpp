@@ -32,4 +32,16 @@ Sector& PutBitLocker(Disk& disk, u64 sector, const BitLockerSeven& boot) {
   return bytes.Bytes(0x1FB, boot.messageOffsets);
 }
 
+void PutFveMetadataBlock(Disk& disk, u64 sector, const FveMetadataBlock& block) {
+  Sector& bytes = disk.At(sector);
+  bytes.Text(0x00, block.signature).Le16(0x0A, block.version).Le32(0x40, block.size);
+  for (std::size_t i = 0; i < 3; ++i)
+    bytes.Le64(0x20 + 8 * i, block.offsets[i]);
+}
+
+void PutFveMetadataBlocks(Disk& disk, u64 volume, const FveMetadataBlock& block) {
+  for (const u64 offset : block.offsets)
+    PutFveMetadataBlock(disk, volume + offset / disk.SectorSize(), block);
+}
+
 }  // namespace trovisk::test

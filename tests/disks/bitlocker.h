@@ -64,6 +64,18 @@ Sector& PutBitLockerCommon(Disk& disk, u64 sector, const BitLockerCommon& common
 Sector& PutBitLocker(Disk& disk, u64 sector, const BitLockerVista& boot);
 Sector& PutBitLocker(Disk& disk, u64 sector, const BitLockerSeven& boot);
 
+// The head of a metadata block, which every layout has three of.
+struct FveMetadataBlock {
+  std::string signature = "-FVE-FS-";
+  u16 version = 2;                                           // 1: Windows Vista
+  std::array<u64, 3> offsets = {0x10000, 0x50000, 0x90000};  // of the blocks, in bytes from the boot sector
+  u32 size = 960;                                            // of the metadata behind the first 64 bytes
+};
+void PutFveMetadataBlock(Disk& disk, u64 sector, const FveMetadataBlock& block = {});
+
+// The same block at each of its three offsets from the volume's first sector.
+void PutFveMetadataBlocks(Disk& disk, u64 volume, const FveMetadataBlock& block = {});
+
 }  // namespace trovisk::test
 
 #endif

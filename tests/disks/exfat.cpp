@@ -21,4 +21,24 @@ Sector& PutExFatBootSector(Disk& disk, u64 sector, const ExFatBootSector& boot) 
   return bytes.Le16(0x1FE, boot.endMark);
 }
 
+// As the published description adds it up: over eleven sectors, without the flags and the percentage in use.
+u32 ExFatBootChecksum(Disk& disk, u64 first) {
+  u32 checksum = 0;
+  for (u64 sector = 0; sector < 11; ++sector) {
+    for (std::size_t i = 0; i < disk.SectorSize(); ++i) {
+      if (sector == 0 && (i == 106 || i == 107 || i == 112)) continue;
+      checksum =
+          ((checksum & 1) != 0 ? 0x80000000U : 0U) + (checksum >> 1) + disk.At(first + sector).View()[i];
+    }
+  }
+  return checksum;
+}
+
+void PutExFatBootRegion(Disk& disk, u64 first, const ExFatBootSector& boot) {
+  PutExFatBootSector(disk, first, boot);
+  const u32 checksum = ExFatBootChecksum(disk, first);
+  for (std::size_t i = 0; i < disk.SectorSize(); i += 4)
+    disk.At(first + 11).Le32(i, checksum);
+}
+
 }  // namespace trovisk::test

@@ -1,4 +1,4 @@
-// Builder of exFAT boot sectors.
+// Builders of exFAT boot sectors and boot regions.
 
 #ifndef TROVISK_TESTS_DISKS_EXFAT_H
 #define TROVISK_TESTS_DISKS_EXFAT_H
@@ -31,6 +31,13 @@ struct ExFatBootSector {
 // Writes the fields, the invented boot code by which the sector is recognised and three messages of 15
 // characters and a NUL each, at the start of the message area.
 Sector& PutExFatBootSector(Disk& disk, u64 sector, const ExFatBootSector& boot = {});
+
+// The checksum of a boot region's first eleven sectors.
+u32 ExFatBootChecksum(Disk& disk, u64 first);
+
+// The boot sector, eight extended boot sectors, the OEM parameters and a reserved sector (zeros but for what
+// the disk holds there), and the sector of checksums.
+void PutExFatBootRegion(Disk& disk, u64 first, const ExFatBootSector& boot = {});
 
 }  // namespace trovisk::test
 

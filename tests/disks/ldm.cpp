@@ -128,6 +128,27 @@ VblkData& VblkData::Number(u64 value, std::size_t width) {
   return Byte(width).Be(value, width);
 }
 
+void PutVblkFragments(Disk& disk, u64 sector, const std::vector<u64>& slots, const VblkRecord& record) {
+  constexpr u64 kPiece = 112;
+  constexpr u64 kSlotsOfTheVmdb = 4;  // which sequence numbers count too
+  VblkData whole;
+  whole.Be(record.updateStatus, 2).Byte(record.flags).Byte(record.type);
+  whole.Be(record.data.View().size(), 4).Raw(record.data.View());
+  for (u64 i = 0; i < slots.size(); ++i) {
+    const Bytes piece = SliceAt(whole.View(), i * kPiece, kPiece);
+    const std::size_t start = slots[i] % 4 * 128;
+    Sector& bytes = disk.At(sector + slots[i] / 4);
+    for (std::size_t slot = 0; slot < 4; ++slot)
+      bytes.Text(slot * 128, "VBLK");
+    bytes.Be32(start + 4, slots[i] + kSlotsOfTheVmdb)
+        .Be32(start + 8, slots[0] + kSlotsOfTheVmdb)
+        .Be16(start + 12, i)
+        .Be16(start + 14, slots.size())
+        .Fill(start + 16, kPiece, 0)
+        .Bytes(start + 16, piece);
+  }
+}
+
 Sector& PutVblk(Disk& disk, u64 sector, std::size_t slot, const VblkRecord& record) {
   const Bytes data = record.data.View();
   const std::size_t start = slot * 128;

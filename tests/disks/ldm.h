@@ -128,18 +128,22 @@ struct VblkRecord {
 // runs on into the next ones, below their signatures; what goes beyond the 512 bytes is left out.
 Sector& PutVblk(Disk& disk, u64 sector, std::size_t slot, const VblkRecord& record);
 
+// A record cut into pieces, one for each of these slots, counted from the first record's sector on; all have
+// the sequence number of the first slot as their group.
+void PutVblkFragments(Disk& disk, u64 sector, const std::vector<u64>& slots, const VblkRecord& record);
+
 // Where a small but complete configuration area goes. All sectors are absolute.
 struct LdmDatabase {
   u64 privhead = 6;       // 6 on an MBR disk, the last sector of the LDM metadata partition on a GPT disk
   u64 configStart = 64;   // kLdmConfigSize sectors
   u64 logicalStart = 63;  // what the volumes may use
-  u64 logicalEnd = 0;
+  u64 logicalSize = 0;    // sectors
   u16 minorVersion = 12;  // 12: two copies of the table of contents, else four
 };
 inline constexpr u64 kLdmConfigSize = 64;
 
 // Writes PRIVHEAD and its alternates, the table of contents, VMDB, VBLK records and KLOG: a simple and a
-// striped volume on disks and in groups of both forms.
+// striped volume, and disks and their group in both forms that records of them have.
 void PutLdmDatabase(Disk& disk, const LdmDatabase& place);
 
 }  // namespace trovisk::test

@@ -16,7 +16,10 @@ constexpr u64 kAlternate2 = 63;
 
 constexpr std::string_view kDiskId = "2f8d1a34-7b60-4c5e-9a11-0c3f5e6d7a80";
 constexpr std::string_view kHostId = "1b77da20-c717-11d0-a5be-00a0c91db73c";
+constexpr std::string_view kDisk3Id = "9c41b6e7-0d52-4a83-b1f6-27e8d9305c14";
 constexpr std::string_view kGroupId = "6a0e9d52-3c41-4f7b-8d22-5b9e0f1a2c34";
+constexpr u8 kGroupIdBytes[] = {0x6A, 0x0E, 0x9D, 0x52, 0x3C, 0x41, 0x4F, 0x7B,
+                                0x8D, 0x22, 0x5B, 0x9E, 0x0F, 0x1A, 0x2C, 0x34};
 constexpr std::string_view kGroupName = "SAMPLE-Dg0";
 constexpr u64 kTimestamp = 133'000'000'000'000'000;  // 2022-06-18
 
@@ -31,7 +34,7 @@ void PutTables(Disk& disk, const LdmDatabase& place) {
                         .groupId = kGroupId,
                         .groupName = kGroupName,
                         .logicalStart = place.logicalStart,
-                        .logicalEnd = place.logicalEnd,
+                        .logicalEnd = place.logicalSize,
                         .configStart = place.configStart,
                         .configSize = kLdmConfigSize,
                         .tocCount = place.minorVersion == 12 ? 2U : 4U,
@@ -56,15 +59,14 @@ void PutTables(Disk& disk, const LdmDatabase& place) {
     const bool used = place.minorVersion != 12 || offset == 2 || offset == kTocSize;
     if (used) PutTocBlock(disk, place.configStart + offset, toc);
   }
-  const ObjectCounts counts{.volumes = 2, .components = 2, .partitions = 3, .disks = 2};
+  const ObjectCounts counts{.volumes = 2, .components = 2, .partitions = 3, .disks = 3};
   PutVmdb(disk, place.configStart + kConfigRegion,
-          {.sequence = 4,
+          {.sequence = kConfigRegionSize * 4,
            .groupName = kGroupName,
            .groupId = kGroupId,
            .committedSequence = 21,
            .pendingSequence = 21,
            .committed = counts,
-           .pending = counts,
            .lastAccess = kTimestamp});
   for (u32 i = 0; i < kLogRegionSize; ++i) {
     PutKlog(
@@ -119,7 +121,7 @@ void PutRecords(Disk& disk, u64 sector) {
        .data = VblkData()
                    .Id({1})
                    .Text(kGroupName)
-                   .Raw(CountingBytes(0x20))
+                   .Raw(kGroupIdBytes)
                    .Raw(CountingBytes(0x30))
                    .Zeros(4)
                    .Be(5, 8)
@@ -150,12 +152,18 @@ void PutRecords(Disk& disk, u64 sector) {
   put({.flags = 0x08, .type = 0x33, .data = Partition(10, "Disk1-02", 2048, 0, 2048, 9, 2).Number(0, 1)});
   put({.flags = 0x08, .type = 0x33, .data = Partition(11, "Disk2-01", 0, 0, 2048, 9, 3).Number(1, 1)});
   // A record of two slots, and one of a type that is not told apart.
-  put({.count = 2,
-       .type = 0x34,
-       .dataLength = 104,
-       .data = VblkData().Id({12}).Text("Disk3").Text(kDiskId).Text("").Zeros(4).Be(8, 8).Fill(46, 0x41)});
-  put({.number = 1, .count = 2, .type = 0x34, .data = VblkData().Fill(20, 0x41)});
-  put({.updateStatus = 1, .type = 0x61, .data = VblkData().Fill(20, 0x5A)});
+  PutVblkFragments(
+      disk, sector, {sequence - 4, sequence - 3},
+      {.type = 0x34,
+       .data = VblkData()
+                   .Id({12})
+                   .Text("Disk3")
+                   .Text(kDisk3Id)
+                   .Text("the disk on the second shelf from the left, whose name takes two slots")
+                   .Zeros(4)
+                   .Be(8, 8)});
+  sequence += 2;
+  put({.type = 0x61, .data = VblkData().Fill(20, 0x5A)});
   put({});
 }
 

@@ -77,23 +77,7 @@ Sector& PutGroupSlot(Disk& disk, u64 configStart, u64 slot, VblkRecord record) {
 }
 
 void PutFragments(Disk& disk, u64 configStart, const std::vector<u64>& slots, const VblkRecord& record) {
-  constexpr u64 kPiece = 112;
-  VblkData whole;
-  whole.Be(record.updateStatus, 2).Byte(record.flags).Byte(record.type);
-  whole.Be(record.data.View().size(), 4).Raw(record.data.View());
-  for (u64 i = 0; i < slots.size(); ++i) {
-    const Bytes piece = SliceAt(whole.View(), i * kPiece, kPiece);
-    const std::size_t start = slots[i] % 4 * 128;
-    Sector& sector = disk.At(configStart + kGroupVmdb + 1 + slots[i] / 4);
-    for (std::size_t slot = 0; slot < 4; ++slot)
-      sector.Text(slot * 128, "VBLK");
-    sector.Be32(start + 4, slots[i] + 4)
-        .Be32(start + 8, slots[0] + 4)
-        .Be16(start + 12, i)
-        .Be16(start + 14, slots.size())
-        .Fill(start + 16, kPiece, 0)
-        .Bytes(start + 16, piece);
-  }
+  PutVblkFragments(disk, configStart + kGroupVmdb + 1, slots, record);
 }
 
 Privhead GroupPrivhead(const GroupDisk& group) {

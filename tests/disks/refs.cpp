@@ -24,6 +24,22 @@ Sector& PutReFsBootRecord(Disk& disk, u64 sector, const ReFsBootRecord& boot) {
   return bytes.Le16(0x1FE, boot.endMark);
 }
 
+// As the published description adds it up, without the jump and the checksum itself.
+u16 ReFsBootChecksum(Bytes boot) {
+  u16 checksum = 0;
+  for (std::size_t i = 3; i < boot.size(); ++i) {
+    if (i == 0x16 || i == 0x17) continue;
+    const int carried = (checksum & 1) != 0 ? 0x8000 : 0;
+    checksum = static_cast<u16>(carried + (checksum >> 1) + boot[i]);
+  }
+  return checksum;
+}
+
+Sector& PutSummedReFsBootRecord(Disk& disk, u64 sector, const ReFsBootRecord& boot) {
+  Sector& bytes = PutReFsBootRecord(disk, sector, boot);
+  return bytes.Le16(0x16, ReFsBootChecksum(bytes.View()));
+}
+
 void PutReFsPageReference(Sector& sector, std::size_t offset, const ReFsPageReference& reference) {
   for (std::size_t i = 0; i < 4; ++i)
     sector.Le64(offset + 8 * i, reference.lcns[i]);

@@ -34,6 +34,10 @@ struct ReFsBootRecord {
 // The boot record; its backup at the end of the volume has the same bytes.
 Sector& PutReFsBootRecord(Disk& disk, u64 sector, const ReFsBootRecord& boot = {});
 
+// The checksum of a boot record, and a boot record that has it.
+u16 ReFsBootChecksum(Bytes boot);
+Sector& PutSummedReFsBootRecord(Disk& disk, u64 sector, const ReFsBootRecord& boot = {});
+
 struct ReFsPageHeader {
   std::string_view signature;
   u32 unknown = 2;

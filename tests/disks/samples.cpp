@@ -33,7 +33,19 @@ void PutFat32Volume(Disk& disk, u64 sector, u32 hiddenSectors) {
     PutFat32BootSector(disk, copy, boot);
     PutFsInfo(disk, copy + boot.fsInfoSector, {.freeClusters = 65321, .nextCluster = 4712});
   }
-  disk.At(sector + boot.reservedSectors).Le32(0, 0x0FFFFFF8).Le32(4, 0x0FFFFFFF).Le32(8, 0x0FFFFFFF);
+  for (u32 fat = 0; fat < boot.fats; ++fat) {
+    disk.At(sector + boot.reservedSectors + fat * boot.fatSize32)
+        .Le32(0, 0x0FFFFFF8)
+        .Le32(4, 0x0FFFFFFF)
+        .Le32(8, 0x0FFFFFFF);
+  }
+}
+
+// Boot sector and the first entries of both FATs: the media byte, and an end of chain of 12 or 16 bits.
+void PutFatVolume(Disk& disk, u64 sector, const FatBootSector& boot, u32 firstEntries) {
+  PutFatBootSector(disk, sector, boot);
+  for (u64 fat = 0; fat < boot.fats; ++fat)
+    disk.At(sector + boot.reservedSectors + fat * boot.fatSize16).Le32(0, firstEntries);
 }
 
 // Boot sector, second-stage boot code, first MFT records and backup of an NTFS volume.
@@ -61,12 +73,12 @@ void PutReFsVolume(Disk& disk, u64 sector, u64 sectors) {
   ReFsBootRecord boot = {};
   boot.sectorCount = sectors;
   const u64 cluster = boot.sectorsPerCluster;
-  PutReFsBootRecord(disk, sector, boot);
-  PutReFsBootRecord(disk, sector + sectors - 1, boot);
+  PutSummedReFsBootRecord(disk, sector, boot);
+  PutSummedReFsBootRecord(disk, sector + sectors - 1, boot);
   PutReFsSuperblock(disk, sector + 30 * cluster);
   PutReFsCheckpoint(disk, sector + 0x1E0 * cluster);
   PutReFsCheckpoint(disk, sector + 0x1E8 * cluster,
-                    {.header = {.signature = "CHKP", .lcns = {0x1E8, 0, 0, 0}}});
+                    {.header = {.signature = "CHKP", .lcns = {0x1E8, 0, 0, 0}}, .checkpointClock = 1001});
 }
 
 void PutStorageSpaces(Disk& disk, u64 sector) {
@@ -113,15 +125,21 @@ Disk GptSample(u32 sectorSize) {
   constexpr u64 kMiB = 2048;  // sectors
   const Guid unique("A0B1C2D3-E4F5-4607-8819-2A3B4C5D6E7F");
   PutFat32Volume(disk, 1 * kMiB, 1 * kMiB);
-  PutBitLocker(disk, 38 * kMiB, BitLockerSeven{});
+  PutBitLocker(disk, 38 * kMiB,
+               BitLockerSeven{.common = {.jump = {0xEB, 0x58, 0x90}, .hiddenSectors = 38 * kMiB},
+                              .metadata = FveMetadataBlock{}.offsets});
+  PutFveMetadataBlocks(disk, 38 * kMiB);
   PutReFsVolume(disk, 39 * kMiB, 8 * kMiB);
   PutNtfsVolume(disk, 47 * kMiB, 4 * kMiB, BootCode::kNtfsWindows8);
-  PutExFatBootSector(disk, 51 * kMiB, {.partitionOffset = 51 * kMiB, .volumeLength = 4 * kMiB});
+  for (const u64 region : {51 * kMiB, 51 * kMiB + 12}) {
+    PutExFatBootRegion(disk, region,
+                       {.partitionOffset = 51 * kMiB, .volumeLength = 4 * kMiB, .clusterCount = 992});
+  }
   PutNtfsVolume(disk, 55 * kMiB, 1 * kMiB, BootCode::kNtfsWindows7);
   PutLdmDatabase(disk, {.privhead = 57 * kMiB - 1,
                         .configStart = 56 * kMiB,
-                        .logicalStart = 57 * kMiB,
-                        .logicalEnd = 58 * kMiB - 1});
+                        .logicalStart = 62 * kMiB,
+                        .logicalSize = 2 * kMiB});
   PutStorageSpaces(disk, 58 * kMiB);
   PutStorageReplica(disk, 59 * kMiB, 59 * kMiB + 7);
   PutGpt(
@@ -162,8 +180,8 @@ Disk GptSample(u32 sectorSize) {
         .name = u"LDM metadata"},
        {.type = kLdmDataType,
         .unique = unique,
-        .first = 57 * kMiB,
-        .last = 58 * kMiB - 1,
+        .first = 62 * kMiB,
+        .last = 64 * kMiB - 1,
         .name = u"LDM data"},
        {.type = kStorageSpacesType,
         .unique = unique,
@@ -193,31 +211,32 @@ Disk MbrSample(u32 sectorSize) {
                              {.bootIndicator = 0x80, .type = 0x06, .first = 4 * kMiB, .count = 40113},
                              {.type = 0x0C, .first = 24 * kMiB, .count = 71232},
                              {.type = 0x0F, .first = 64 * kMiB, .count = 64 * kMiB}}});
-  PutFatBootSector(disk, 1 * kMiB,
-                   {.totalSectors16 = kFat12TotalSectors,
-                    .hiddenSectors = 1 * kMiB,
-                    .label = "SAMPLE F12 ",
-                    .type = "FAT12   ",
-                    .code = BootCode::kFatMsDos50});
-  PutFatBootSector(disk, 4 * kMiB,
-                   {.hiddenSectors = 4 * kMiB, .label = "SAMPLE F16 ", .code = BootCode::kFatMsWin41});
+  PutFatVolume(disk, 1 * kMiB,
+               {.totalSectors16 = kFat12TotalSectors,
+                .hiddenSectors = 1 * kMiB,
+                .label = "SAMPLE F12 ",
+                .type = "FAT12   ",
+                .code = BootCode::kFatMsDos50},
+               0x00FFFFF8);
+  PutFatVolume(disk, 4 * kMiB,
+               {.hiddenSectors = 4 * kMiB, .label = "SAMPLE F16 ", .code = BootCode::kFatMsWin41},
+               0xFFFFFFF8);
   PutFat32Volume(disk, 24 * kMiB, 24 * kMiB);
-  // Each record's link counts from the record itself, which is how the program follows it.
-  u64 record = 64 * kMiB;
-  const auto logical = [&](u32 count, bool more) {
-    const u32 next = count + 64;
-    PutBootRecord(disk, record,
-                  {.entries = {{.type = 0x07, .first = 64, .count = count},
-                               {.type = static_cast<u8>(more ? 0x05 : 0x00),
-                                .first = more ? next : 0,
-                                .count = more ? count : 0}}});
-    const u64 volume = record + 64;
-    record += next;
-    return volume;
-  };
-  PutNtfsVolume(disk, logical(4 * kMiB, true), 4 * kMiB, BootCode::kNtfsW1999);
-  PutBitLocker(disk, logical(4 * kMiB, true), BitLockerVista{});
-  PutReFsVolume(disk, logical(8 * kMiB, false), 8 * kMiB);
+  // The first record's link is the one that leads to the same sector whether it counts from the record itself
+  // or from the start of the extended partition.
+  constexpr u64 kExtended = 64 * kMiB;
+  constexpr u64 kSecondRecord = kExtended + 4 * kMiB + 64;
+  PutBootRecord(disk, kExtended,
+                {.entries = {{.type = 0x07, .first = 64, .count = 4 * kMiB},
+                             {.type = 0x05, .first = kSecondRecord - kExtended, .count = 4 * kMiB + 64}}});
+  PutNtfsVolume(disk, kExtended + 64, 4 * kMiB, BootCode::kNtfsW1999);
+  PutBootRecord(disk, kSecondRecord, {.entries = {{.type = 0x07, .first = 64, .count = 4 * kMiB}}});
+  constexpr u64 kBitLocker = kSecondRecord + 64;
+  PutBitLocker(disk, kBitLocker,
+               BitLockerVista{.common = {.jump = {0xEB, 0x52, 0x90}, .hiddenSectors = kBitLocker},
+                              .totalSectors = 4 * kMiB - 1,
+                              .metadataCluster = 0x10});
+  PutFveMetadataBlocks(disk, kBitLocker, {.version = 1});
   return disk;
 }
 
@@ -228,7 +247,7 @@ Disk DynamicSample(u32 sectorSize) {
                 {.diskSignature = 0x5EED0042, .entries = {{.type = 0x42, .first = 63, .count = 61377}}});
   PutLdmDatabase(
       disk,
-      {.privhead = 6, .configStart = 63488, .logicalStart = 63, .logicalEnd = 61440, .minorVersion = 11});
+      {.privhead = 6, .configStart = 63488, .logicalStart = 63, .logicalSize = 61377, .minorVersion = 11});
   return disk;
 }
 

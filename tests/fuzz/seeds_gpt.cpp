@@ -43,7 +43,7 @@ void AddGptSeeds(std::vector<Seed>& seeds) {
        {}});
   PutFat32BootSector(all, 40, {.hiddenSectors = 40});
   PutNtfsBootSector(all, 50, {.totalSectors = 9});
-  PutLdmDatabase(all, {.privhead = 199, .configStart = 72, .logicalStart = 310, .logicalEnd = 400});
+  PutLdmDatabase(all, {.privhead = 199, .configStart = 72, .logicalStart = 310, .logicalSize = 90});
   PutSpaceDb(all, 200, {.timeStamp = 133976268000000000});
   PutSdbc(all, 208, {});
   PutSdbb(all, 209);

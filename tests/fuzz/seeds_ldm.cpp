@@ -15,7 +15,7 @@ constexpr u64 kVblk = kVmdb + 1;
 Disk DynamicDisk(u16 minorVersion = 12) {
   Disk disk(kSectors);
   PutBootRecord(disk, 0, {.entries = {{.bootIndicator = 0x80, .type = 0x42, .first = 200, .count = 50}}});
-  PutLdmDatabase(disk, {.configStart = kConfig, .logicalEnd = 60, .minorVersion = minorVersion});
+  PutLdmDatabase(disk, {.configStart = kConfig, .logicalSize = 60, .minorVersion = minorVersion});
   return disk;
 }
 

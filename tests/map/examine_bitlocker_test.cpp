@@ -12,29 +12,10 @@ constexpr u64 kVolume = 63;
 constexpr u64 kPartition = 1000;
 constexpr std::array<u64, 3> kOffsets = {51200, 102400, 153600};  // sectors 163, 263, 363
 
-struct MetadataBlock {
-  std::string signature = "-FVE-FS-";
-  u16 version = 2;
-  std::array<u64, 3> offsets = kOffsets;
-  u32 size = 960;  // of the metadata behind the first 64 bytes
-};
-
-void PutMetadataBlock(Disk& disk, u64 sector, const MetadataBlock& block = {}) {
-  Sector& bytes = disk.At(sector);
-  bytes.Text(0x00, block.signature).Le16(0x0A, block.version).Le32(0x40, block.size);
-  for (std::size_t i = 0; i < 3; ++i)
-    bytes.Le64(0x20 + 8 * i, block.offsets[i]);
-}
-
-void PutMetadataBlocks(Disk& disk, const MetadataBlock& block = {}) {
-  for (const u64 offset : block.offsets)
-    PutMetadataBlock(disk, kVolume + offset / 512, block);
-}
-
 Disk SevenDisk(const BitLockerSeven& boot = {.metadata = kOffsets}) {
   Disk disk(2000);
   PutBitLocker(disk, kVolume, boot);
-  PutMetadataBlocks(disk);
+  PutFveMetadataBlocks(disk, kVolume, {.offsets = kOffsets});
   return disk;
 }
 
@@ -44,7 +25,7 @@ constexpr std::array<u64, 3> kVistaOffsets = {409600, 412160, 414720};  // secto
 Disk VistaDisk() {
   Disk disk(2000);
   PutBitLocker(disk, kVolume, BitLockerVista{.metadataCluster = 100});
-  PutMetadataBlocks(disk, {.version = 1, .offsets = kVistaOffsets});
+  PutFveMetadataBlocks(disk, kVolume, {.version = 1, .offsets = kVistaOffsets});
   return disk;
 }
 
@@ -91,7 +72,7 @@ TEST(ExamineBitLocker, ToGoHasThePlacesElsewhere) {
   boot.GuidAt(0x1A8, Guid{"4967D63B-2E29-4AD8-8399-F6A339E3D001"});
   for (std::size_t i = 0; i < 3; ++i)
     boot.Le64(0x1B8 + 8 * i, kOffsets[i]);
-  PutMetadataBlocks(disk);
+  PutFveMetadataBlocks(disk, kVolume, {.offsets = kOffsets});
   const VolumeFindings findings = ExaminedBitLocker(disk);
   EXPECT_EQ(findings.type, "BitLocker To Go");
   EXPECT_EQ(findings.areas.size(), 3);
@@ -106,7 +87,7 @@ TEST(ExamineBitLocker, EndMarkIsMissed) {
 
 TEST(ExamineBitLocker, VersionOfAnotherLayout) {
   Disk disk = SevenDisk();
-  PutMetadataBlock(disk, 263, {.version = 1});
+  PutFveMetadataBlock(disk, 263, {.version = 1});
   EXPECT_EQ(Judged(ExaminedBitLocker(disk), "BitLocker metadata block 2"),
             "sector 263 bad: -FVE-FS-, version 1, -FVE-FS-, version 2");
 }
@@ -137,7 +118,7 @@ TEST(ExamineBitLocker, PlacesThatNoSectorHasEnd) {
 // A size that no block has is not believed.
 TEST(ExamineBitLocker, HugeBlockIsShownByItsFirstSector) {
   Disk disk = SevenDisk();
-  PutMetadataBlock(disk, 163, {.size = 0xFFFFFFFF});
+  PutFveMetadataBlock(disk, 163, {.size = 0xFFFFFFFF});
   EXPECT_TRUE(AreasOf(ExaminedBitLocker(disk)).starts_with("163-163 FVE metadata block 1\n"));
 }
 

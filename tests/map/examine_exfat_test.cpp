@@ -10,30 +10,10 @@ namespace {
 constexpr u64 kVolume = 2048;
 constexpr u64 kPartition = 12288;
 
-// As the published description adds it up: over eleven sectors, without the flags and the percentage in use.
-u32 BootChecksum(Disk& disk, u64 first) {
-  u32 checksum = 0;
-  for (u64 sector = 0; sector < 11; ++sector) {
-    for (std::size_t i = 0; i < disk.SectorSize(); ++i) {
-      if (sector == 0 && (i == 106 || i == 107 || i == 112)) continue;
-      checksum =
-          ((checksum & 1) != 0 ? 0x80000000U : 0U) + (checksum >> 1) + disk.At(first + sector).View()[i];
-    }
-  }
-  return checksum;
-}
-
-void PutBootRegion(Disk& disk, u64 first, const ExFatBootSector& boot) {
-  PutExFatBootSector(disk, first, boot);
-  const u32 checksum = BootChecksum(disk, first);
-  for (std::size_t i = 0; i < disk.SectorSize(); i += 4)
-    disk.At(first + 11).Le32(i, checksum);
-}
-
 Disk ExFatDisk(const ExFatBootSector& boot = {}) {
   Disk disk(20000);
-  PutBootRegion(disk, kVolume, boot);
-  PutBootRegion(disk, kVolume + 12, boot);
+  PutExFatBootRegion(disk, kVolume, boot);
+  PutExFatBootRegion(disk, kVolume + 12, boot);
   return disk;
 }
 
@@ -91,8 +71,8 @@ TEST(ExamineExFat, ChecksumOf4096ByteSectors) {
                                 .clusterCount = 1244,
                                 .sectorShift = 12,
                                 .clusterShift = 0};
-  PutBootRegion(disk, 100, boot);
-  PutBootRegion(disk, 112, boot);
+  PutExFatBootRegion(disk, 100, boot);
+  PutExFatBootRegion(disk, 112, boot);
   EXPECT_EQ(NotGood(Examined(ExamineExFat, disk, 100, 1500)), "");
 }
 
@@ -143,7 +123,7 @@ TEST(ExamineExFat, ChecksumRepeatsToTheEndOfItsSector) {
 
 TEST(ExamineExFat, BackupRegionDiffers) {
   Disk disk = ExFatDisk();
-  PutBootRegion(disk, kVolume + 12, {.serialNumber = 1});
+  PutExFatBootRegion(disk, kVolume + 12, {.serialNumber = 1});
   EXPECT_EQ(Judged(ExaminedExFat(disk), "exFAT backup boot region"),
             "sector 2060 bad: other bytes from 0x064 on, the bytes of the boot region");
 }

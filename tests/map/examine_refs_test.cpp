@@ -14,26 +14,10 @@ constexpr u64 kSuperblock = kVolume + 30 * 8;
 constexpr u64 kCheckpoint1 = kVolume + 0x1E0 * 8;
 constexpr u64 kCheckpoint2 = kVolume + 0x1E8 * 8;
 
-// As the published description adds it up, without the jump and the checksum itself.
-u16 Checksum(Bytes boot) {
-  u16 checksum = 0;
-  for (std::size_t i = 3; i < boot.size(); ++i) {
-    if (i == 0x16 || i == 0x17) continue;
-    const int carried = (checksum & 1) != 0 ? 0x8000 : 0;
-    checksum = static_cast<u16>(carried + (checksum >> 1) + boot[i]);
-  }
-  return checksum;
-}
-
-void PutSummedBootRecord(Disk& disk, u64 sector, const ReFsBootRecord& boot) {
-  Sector& bytes = PutReFsBootRecord(disk, sector, boot);
-  bytes.Le16(0x16, Checksum(bytes.View()));
-}
-
 Disk ReFsDisk(const ReFsBootRecord& boot = {}) {
   Disk disk(20000);
-  PutSummedBootRecord(disk, kVolume, boot);
-  PutSummedBootRecord(disk, kBackup, boot);
+  PutSummedReFsBootRecord(disk, kVolume, boot);
+  PutSummedReFsBootRecord(disk, kBackup, boot);
   PutReFsSuperblock(disk, kSuperblock);
   PutReFsCheckpoint(disk, kCheckpoint1, {.checkpointClock = 1001});
   PutReFsCheckpoint(disk, kCheckpoint2, {.checkpointClock = 1000});
@@ -81,7 +65,7 @@ TEST(ExamineReFs, LargerSectorsOfTheVolumeAreConverted) {
 
 TEST(ExamineReFs, ChecksumOfTheBootRecord) {
   Disk disk = ReFsDisk();
-  disk.At(kVolume).Le16(0x16, Checksum(disk.At(kVolume).View()) ^ 1U);
+  disk.At(kVolume).Le16(0x16, ReFsBootChecksum(disk.At(kVolume).View()) ^ 1U);
   EXPECT_EQ(NotGood(ExaminedReFs(disk)), "ReFS boot record checksum\nReFS backup boot record\n");
 }
 

@@ -49,7 +49,7 @@ TEST(LdmDatabase, Records) {
       "\tComponent Part Idx  : 1\n",
       "Record        : 1 of 2\n",
       "Record        : 2 of 2 [Extended VBLK]\n",
-      "Update Status : [Active, about to be deleted]\nRecord Type   : [Unknown type 0x61]\n",
+      "Update Status : [Consistent]\nRecord Type   : [Unknown type 0x61]\n",
       "Log Count       : 2\nNumber of KLOGs : 2\nKLOG Index      : 1\n",
   };
   std::size_t at = 0;
