@@ -188,6 +188,26 @@ class Bench:
             self.rows.append((f"table of 2^{power} entries, whole disk: time of each", f"{time * 1e6:.2f} µs", "", ""))
         self.row("table of 2^18 to 2^20 entries: most / least time of each", max(each) / min(each), 1.2)
 
+    # The map
+
+    def map(self):
+        self.say("the map of a disk of 16 TiB with 128 partitions")
+        command = [self.tool("trovisk-map"), self.disk("full44")]
+        ours, theirs = self.times([command, ["sgdisk", "-v", self.disk("full44")]], 10 * self.runs, usual=(0, 2))
+        self.row("map of 16 TiB with 128 partitions: trovisk-map / sgdisk -v", theirs and ours / theirs, 1.5)
+        limit = 64 * 1024  # KiB, whatever is on the disk
+        for disk, what in (("full44", "16 TiB, 128 partitions"), ("entries20", "a table of 2^20 entries"),
+                           ("chain", "a chain of 10^6 extended records"), ("replica31", "2^31 sectors of a log"),
+                           ("ldm", "10^4 sectors of LDM records"), ("spaces", "10^4 sectors of SDBB records")):
+            self.say(f"the map of {what}")
+            for form in ((), ("--json",)):
+                time, memory, status = self.usage([self.tool("trovisk-map"), *form, self.disk(disk)])
+                name = " ".join(("map", *form))
+                if status not in (0, 2):
+                    TRUSTED_MISS.append(f"{name} of {what}")
+                self.row(f"{name} of {what}: peak memory / 64 MiB", memory / limit, 1, timed=False)
+                self.rows.append((f"{name} of {what}: time", f"{time:.2f} s", "", ""))
+
     # Start-up
 
     def start_up(self):
@@ -237,6 +257,7 @@ def main():
         bench.start_up()
         bench.sizes()
         bench.partitions()
+        bench.map()
         bench.range_dumps()
         bench.replica()
     machine()
