@@ -64,32 +64,28 @@ constexpr KnownPartition kKnownPartitions[] = {
 };
 
 void PrintAttributes(FixedBytes<8> field) {
-  report << "\tAttributes            : ";
-  {
-    const NotedField noted("Attributes", field);
+  PrintNotedLine("\tAttributes            : ", field, [&] {
     const u64 attributes = Le64<0>(field);
     for (const AttributeName& attribute : kAttributeNames) {
       if ((attributes >> attribute.bit & 1) != 0) report << attribute.name;
     }
     if (attributes == 0) report << "None";
-  }
-  report << LineEnd;
+  });
 }
 
 // The whole field, with what stands behind its first NUL; nothing when it begins with one.
 void PrintName(FixedBytes<kNameSize> name) {
-  report << "\tPartition Name        : [";
-  {
-    const NotedField noted("Partition Name", name);
+  const auto print = [&] {
     if (Le16<0>(name) != 0) PrintUtf16(name);
-  }
-  report << " ]" << LineEnd;
+  };
+  PrintNotedLine("\tPartition Name        : [", name, print, " ]");
 }
 
 void PrintReport(EntryView entry) {
   const auto type = Part<kTypeGuid, 16>(entry);
   PrintFields(entry, kTypeField);
-  report << "\tPartition Type        : [ " << GptTypeName(type) << " ]" << LineEnd;
+  PrintNotedLine(
+      "\tPartition Type        : [ ", type, [&] { report << GptTypeName(type); }, " ]");
   if (AllZero(type)) {
     report << LineEnd;
     return;
@@ -98,7 +94,7 @@ void PrintReport(EntryView entry) {
   // Wraps where the end lies before the start, and where there are more bytes than 64 bits can say.
   const u64 sectors = Le64<kEndingLba>(entry) - Le64<kStartingLba>(entry) + 1;
   const u64 bytes = sectors * disk.bytesPerSector;
-  report << "\tPartition Size        : " << (bytes >> 20) << " (MiB)" << LineEnd;
+  PrintNotedLine("\tPartition Size        : ", {}, [&] { report << (bytes >> 20) << " (MiB)"; });
   PrintAttributes(Part<kAttributes, 8>(entry));
   PrintName(Part<kName, kNameSize>(entry));
   report << LineEnd;

@@ -8,6 +8,7 @@
 
 #include "frame/global.h"
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "gpt/gpt_header_layout.h"
@@ -54,11 +55,11 @@ u64 LastEntrySector(SectorView header) {
 
 void PrintReport(SectorView header) {
   PrintFields(header, kMagicNumber);
-  report << "Revision                    : ";
-  PrintFraction(RevisionNumber(Part<kRevision, 4>(header)));
-  report << LineEnd;
+  const auto revision = Part<kRevision, 4>(header);
+  PrintNotedLine("Revision                    : ", revision,
+                 [&] { PrintFraction(RevisionNumber(revision)); });
   PrintFields(header, kFields);
-  report << "Last Partitition Entry LBA  : " << LastGptEntrySector << LineEnd;
+  PrintNotedLine("Last Partitition Entry LBA  : ", {}, [] { report << LastGptEntrySector; });
   PrintFields(header, kEntriesCrcRow);
   report << LineEnd;
 }

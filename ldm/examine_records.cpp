@@ -37,14 +37,14 @@ class Reader {
         whole_(record.dataLength <= record.data.size()) {}
 
   void Skip(u64 count) { fields_.Skip(count); }
-  u64 Number(u64 width) { return fields_.Number(width); }
+  u64 Number(u64 width) { return fields_.Number(width).value; }
   std::string Text(u64 width) { return SafeAscii(fields_.Take(width)); }
   std::string SizedText() { return Text(fields_.Byte()); }
   std::string Guid() { return StoredGuidText(fields_.Take(16)); }
   u64 SizedNumber() {
     const u8 width = fields_.Byte();
     whole_ = whole_ && width <= 8;
-    return fields_.Number(width);
+    return fields_.Number(width).value;
   }
 
   bool Whole() const { return whole_ && fields_.Position() <= data_.size(); }

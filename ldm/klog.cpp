@@ -8,6 +8,7 @@
 
 #include "frame/global.h"
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/report.h"
 #include "frame/sector.h"
 #include "ldm/ldm_state.h"
@@ -39,8 +40,11 @@ void PrintReport(SectorView klog) {
   for (u32 n = 1; n <= pairs; ++n) {
     // The pairs overlap: what is pending in one is committed in the next.
     const u64 committed = kIdentifiers + kIdentifierSize * (u64{n} - 1);
-    report << "Committed Id. # " << n << " : " << Le64At(klog, committed) << LineEnd;
-    report << "Pending Id. # " << n << "   : " << Le64At(klog, committed + kIdentifierSize) << LineEnd;
+    const u64 pending = committed + kIdentifierSize;
+    report << "Committed Id. # " << n;
+    PrintNotedLine(" : ", SliceAt(klog, committed, 8), [&] { report << Le64At(klog, committed); });
+    report << "Pending Id. # " << n;
+    PrintNotedLine("   : ", SliceAt(klog, pending, 8), [&] { report << Le64At(klog, pending); });
   }
   report << LineEnd;
 }

@@ -7,6 +7,7 @@
 
 #include "frame/global.h"
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/report.h"
 #include "frame/sector.h"
 #include "ldm/ldm_state.h"
@@ -62,7 +63,10 @@ void RegisterTocBlocks(SectorView header, bool print) {
   const std::size_t first = innerOnly ? 1 : 0;
   const std::size_t end = innerOnly ? 3 : 4;
   for (std::size_t i = first; i < end; ++i) {
-    if (print) report << "TOC #" << i + 1 << " starts @ sector     : " << candidates[i] << LineEnd;
+    if (print) {
+      report << "TOC #" << i + 1;
+      PrintNotedLine(" starts @ sector     : ", {}, [&] { report << candidates[i]; });
+    }
     AddTocEntry(disk, candidates[i], DecodeTocBlock, L"TOC Sector");
   }
 }
@@ -80,8 +84,9 @@ u64 DecodePrivhead(WideText description, u64 sector, bool print) {
   const u64 alternate1 = LdmConfigStartSector + Be64<kAlternate1>(header);
   const u64 alternate2 = LdmConfigStartSector + Be64<kAlternate2>(header);
   if (print) {
-    report << "Alt. PRIVHEAD #1 @ sector  : " << alternate1 << LineEnd;
-    report << "Alt. PRIVHEAD #2 @ sector  : " << alternate2 << LineEnd << LineEnd;
+    PrintNotedLine("Alt. PRIVHEAD #1 @ sector  : ", {}, [&] { report << alternate1; });
+    PrintNotedLine("Alt. PRIVHEAD #2 @ sector  : ", {}, [&] { report << alternate2; });
+    report << LineEnd;
   }
   RegisterTocBlocks(header, print);
   report << LineEnd;  // in the loading pass too

@@ -6,6 +6,7 @@
 
 #include "frame/global.h"
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "ldm/ldm_state.h"
@@ -35,10 +36,11 @@ constexpr FieldRow kLogRows[] = {
 };
 static_assert(FieldsFit(kSequenceRows, 512) && FieldsFit(kConfigRows, 512) && FieldsFit(kLogRows, 512));
 
-void PrintNumberOrTime(std::string_view label, u64 value) {
-  report << label << value << " / ";
-  PrintFileTime(value);
-  report << LineEnd;
+void PrintNumberOrTime(std::string_view label, FixedBytes<8> field) {
+  PrintNotedLine(label, field, [&] {
+    report << Be64<0>(field) << " / ";
+    PrintFileTime(Be64<0>(field));
+  });
 }
 
 // Only the printing pass says what is missing.
@@ -51,10 +53,10 @@ void PrintReport(SectorView toc) {
   PrintFields(toc, kSequenceRows);
   report << LineEnd;
   PrintFields(toc, kConfigRows);
-  PrintNumberOrTime("Config. Number/Timestamp?  : ", Be64<kConfigNumber>(toc));
+  PrintNumberOrTime("Config. Number/Timestamp?  : ", Part<kConfigNumber, 8>(toc));
   report << LineEnd;
   PrintFields(toc, kLogRows);
-  PrintNumberOrTime("Log Number/Timestamp?      : ", Be64<kLogNumber>(toc));
+  PrintNumberOrTime("Log Number/Timestamp?      : ", Part<kLogNumber, 8>(toc));
 }
 
 }  // namespace
@@ -72,10 +74,10 @@ u64 DecodeTocBlock(WideText description, u64 sector, bool print) {
   LdmKlogStartSector = LdmConfigStartSector + Be64<kLogStart>(toc);
   if (print) {
     report << LineEnd;
-    report << "VMDB starts @ sector       : " << vmdb << LineEnd;
-    report << "VBLKs start @ sector       : " << vmdb + 1 << LineEnd;
-    report << "VBLKs end @ sector         : " << LdmVblkEndSector << LineEnd;
-    report << "KLOGs start @ sector       : " << LdmKlogStartSector << LineEnd;
+    PrintNotedLine("VMDB starts @ sector       : ", {}, [&] { report << vmdb; });
+    PrintNotedLine("VBLKs start @ sector       : ", {}, [&] { report << vmdb + 1; });
+    PrintNotedLine("VBLKs end @ sector         : ", {}, [] { report << LdmVblkEndSector; });
+    PrintNotedLine("KLOGs start @ sector       : ", {}, [] { report << LdmKlogStartSector; });
     report << LineEnd;
   }
   AddTocEntry(disk, vmdb, DecodeVmdb, L"VMDB Sector");

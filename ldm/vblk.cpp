@@ -6,8 +6,12 @@
 // empty. Not checked: the length of the data, which may lead beyond the slot and is followed to the sector's
 // end.
 
+#include <algorithm>
+#include <iterator>
+
 #include "frame/global.h"
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "ldm/ldm_state.h"
@@ -68,17 +72,20 @@ bool IsEmpty(SectorView sector) {
   return true;
 }
 
-void PrintTypeBlock(u8 code, Bytes data, u8 flags) {
-  report << "Record Type   : ";
-  for (const RecordType& type : kRecordTypes) {
-    if (type.code != code) continue;
-    report << type.name << LineEnd;
-    type.print(data, flags);
-    return;
-  }
-  report << "[Unknown type 0x";
-  PrintHexByte(code);
-  report << "]" << LineEnd;
+void PrintTypeBlock(FixedBytes<1> stored, Bytes data, u8 flags) {
+  const u8 code = stored[0];
+  const auto type = std::ranges::find(kRecordTypes, code, &RecordType::code);
+  const bool known = type != std::end(kRecordTypes);
+  PrintNotedLine("Record Type   : ", stored, [&] {
+    if (known) {
+      report << type->name;
+      return;
+    }
+    report << "[Unknown type 0x";
+    PrintHexByte(code);
+    report << "]";
+  });
+  if (known) type->print(data, flags);
 }
 
 void PrintData(Bytes data) {
@@ -92,14 +99,18 @@ void PrintRecord(SlotView slot, Bytes data) {
   PrintFields(slot, kNumberRows);
   const u16 count = Be16<kRecordCount>(slot);
   const u16 number = static_cast<u16>(Be16<kRecordNumber>(slot) + (count != 0 ? 1 : 0));
-  report << "Record        : " << number << " of " << count;
+  report << "Record        : ";
+  {
+    const NotedField noted(Part<kRecordNumber, 4>(slot));
+    report << number << " of " << count;
+  }
   if (count != 0 && number != 1) {
     report << " [Extended VBLK]" << LineEnd << LineEnd;
     return;
   }
   report << LineEnd;
   PrintFields(slot, kStatusRow);
-  PrintTypeBlock(U8<kType>(slot), data, U8<kFlags>(slot));
+  PrintTypeBlock(Part<kType, 1>(slot), data, U8<kFlags>(slot));
   PrintFields(slot, kFlagsAndLengthRows);
   PrintData(SliceAt(data, 0, Be32<kDataLength>(slot)));
 }

@@ -12,48 +12,38 @@ Bytes FieldCursor::Take(u64 count) {
   return taken;
 }
 
-u64 FieldCursor::Number(u64 width) {
-  u64 value = 0;
+VblkNumber FieldCursor::Number(u64 width) {
+  VblkNumber number{.bytes = SliceAt(data_, position_, width)};
   for (u64 i = 0; i < width; ++i)
-    value = value << 8 | Byte();
-  return value;
+    number.value = number.value << 8 | Byte();
+  return number;
 }
 
 void PrintTextLine(std::string_view label, Bytes text, std::string_view suffix) {
-  report << label;
-  {
-    const NotedField noted(label, text);
-    PrintChars(text);
-  }
-  report << suffix << LineEnd;
+  PrintNotedLine(
+      label, text, [&] { PrintChars(text); }, suffix);
 }
 
 void PrintIdentifierLine(std::string_view label, Bytes identifier) {
-  report << label;
-  {
-    const NotedField noted(label, identifier);
-    PrintHexBytes(identifier);
-  }
-  report << LineEnd;
+  PrintNotedLine(label, identifier, [&] { PrintHexBytes(identifier); });
 }
 
-void PrintNumberLine(std::string_view label, u64 number, std::string_view suffix) {
-  report << label << number << suffix << LineEnd;
+void PrintNumberLine(std::string_view label, VblkNumber number, std::string_view suffix) {
+  PrintNotedLine(
+      label, number.bytes, [&] { report << number.value; }, suffix);
 }
 
 void PrintGuidLine(std::string_view label, Bytes guid) {
-  report << label;
-  {
-    const NotedField noted(label, guid);
-    PrintStoredGuid(guid);
-  }
-  report << " }" << LineEnd;
+  PrintNotedLine(
+      label, guid, [&] { PrintStoredGuid(guid); }, " }");
 }
 
-void PrintSizeLine(std::string_view label, u64 sectors) {
-  report << label << "0x";
-  PrintHex(sectors, 0);
-  report << " (" << (disk.bytesPerSector * sectors >> 20) << " MiB)" << LineEnd;
+void PrintSizeLine(std::string_view label, VblkNumber sectors) {
+  PrintNotedLine(label, sectors.bytes, [&] {
+    report << "0x";
+    PrintHex(sectors.value, 0);
+    report << " (" << (disk.bytesPerSector * sectors.value >> 20) << " MiB)";
+  });
 }
 
 }  // namespace trovisk

@@ -10,6 +10,12 @@
 
 namespace trovisk {
 
+// A number, and its bytes as far as the sector has them.
+struct VblkNumber {
+  u64 value = 0;
+  Bytes bytes;
+};
+
 // A position that moves over a record's data. The data runs from the slot's first data byte to the end of the
 // sector, since a field's length is trusted and may lead into the following slots; beyond the sector a number
 // has zero bytes, a text and a list end.
@@ -22,11 +28,11 @@ class FieldCursor {
 
   u8 Byte() { return U8At(data_, position_++); }
   Bytes Take(u64 count);
-  u64 Number(u64 width);  // big-endian; of more than eight bytes the last eight count
+  VblkNumber Number(u64 width);  // big-endian; of more than eight bytes the last eight count
 
   // The same behind a length byte of their own.
   Bytes Sized() { return Take(Byte()); }
-  u64 SizedNumber() { return Number(Byte()); }
+  VblkNumber SizedNumber() { return Number(Byte()); }
 
  private:
   Bytes data_;
@@ -37,11 +43,11 @@ class FieldCursor {
 // suffix.
 void PrintTextLine(std::string_view label, Bytes text, std::string_view suffix = " ]");
 void PrintIdentifierLine(std::string_view label, Bytes identifier);
-void PrintNumberLine(std::string_view label, u64 number, std::string_view suffix = "");
+void PrintNumberLine(std::string_view label, VblkNumber number, std::string_view suffix = "");
 void PrintGuidLine(std::string_view label, Bytes guid);
 
 // The size of a partition or volume: sectors in hexadecimal, and in MiB.
-void PrintSizeLine(std::string_view label, u64 sectors);
+void PrintSizeLine(std::string_view label, VblkNumber sectors);
 
 }  // namespace trovisk
 

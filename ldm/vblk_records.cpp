@@ -29,7 +29,7 @@ void PrintComponent(Bytes data, u8 flags) {
   PrintIdentifierLine("\tObject Id.          : 0x", fields.Sized());
   PrintTextLine("\tName                : [ ", fields.Sized());
   PrintTextLine("\tVolume State        : [ ", fields.Sized());
-  PrintNumberLine("\tComponent Type      : ", fields.Byte());
+  PrintNumberLine("\tComponent Type      : ", fields.Number(1));
   fields.Skip(4);
   PrintNumberLine("\tNumber of Children  : ", fields.SizedNumber());
   PrintNumberLine("\tLog Commit Id.      : ", fields.Number(8));
@@ -102,10 +102,10 @@ void PrintDiskGroupForm1(Bytes data, u8 /*flags*/) {
   PrintTextLine("\tDisk Group Id.     : { ", fields.Sized(), " }");
   fields.Skip(4);
   PrintNumberLine("\tLog Commit Id.     : ", fields.Number(8));
-  const u8 count = fields.Byte();  // of bytes that follow, all 0xFF
+  const VblkNumber count = fields.Number(1);  // of bytes that follow, all 0xFF
   PrintNumberLine("\tUnknown            : 0xFF x ", count);
-  fields.Skip(count);
-  PrintNumberLine("\tUnknown            : 0xFF x ", fields.Byte());
+  fields.Skip(count.value);
+  PrintNumberLine("\tUnknown            : 0xFF x ", fields.Number(1));
   report << LineEnd;
 }
 
@@ -119,10 +119,10 @@ void PrintDiskGroupForm2(Bytes data, u8 /*flags*/) {
   PrintGuidLine("\tDisk Set Id.       : { ", fields.Take(16));
   fields.Skip(4);
   PrintNumberLine("\tLog Commit Id.     : ", fields.Number(8));
-  const u8 count = fields.Byte();  // of bytes that follow, all 0xFF
+  const VblkNumber count = fields.Number(1);  // of bytes that follow, all 0xFF
   PrintNumberLine("\tUnknown            : 0xFF x ", count);
-  fields.Skip(count);
-  const u8 secondCount = fields.Byte();  // of bytes that follow, all alike
+  fields.Skip(count.value);
+  const VblkNumber secondCount = fields.Number(1);  // of bytes that follow, all alike
   const bool zeros = fields.Byte() == 0;
   PrintNumberLine(zeros ? "\tUnknown            : 0x00 x " : "\tUnknown            : 0xFF x ", secondCount);
   report << LineEnd;

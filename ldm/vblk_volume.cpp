@@ -4,10 +4,9 @@
 // when a flag is set. Layout: the Linux-NTFS project's LDM documentation, "VBLK". Nothing is checked:
 // lengths are trusted up to the sector's end.
 
-#include <array>
-
 #include "frame/report/field_table.h"
 #include "frame/report/names.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "ldm/vblk_fields.h"
 #include "ldm/vblk_records.h"
@@ -26,39 +25,51 @@ constexpr u64 kStateSize = 14;  // the one text without a length byte
 void PrintAttributes(FieldCursor& fields) {
   const u8 count = fields.Byte();
   if (count == 0) return;
-  report << "\tAttributes         :";
-  for (const u8 attribute : fields.Take(count)) {
-    report << " 0x";
-    PrintHexByte(attribute);
-  }
-  report << LineEnd;
+  const Bytes attributes = fields.Take(count);
+  PrintNotedLine("\tAttributes         :", attributes, [&] {
+    for (const u8 attribute : attributes) {
+      report << " 0x";
+      PrintHexByte(attribute);
+    }
+  });
 }
 
 constexpr ValueName kVolumeTypes[] = {{0x03, "[ Normal ]"}, {0x04, "[ RAID ]"}};
 constexpr ValueName kVolumeFlags[] = {{0x11, "[ Normal ]"}, {0x13, "[ RAID ]"}};
 
-void PrintNamedByte(std::string_view label, u8 byte, std::span<const ValueName> names) {
-  PrintFields(Bytes(&byte, 1), std::array{FieldRow{label, 0, Named(1, names, "0x")}});
+// byte: of the record, where it was not cut off.
+void PrintNamedByte(std::string_view label, VblkNumber byte, std::span<const ValueName> names) {
+  const u8 value = static_cast<u8>(byte.value);
+  PrintNotedLine(label, byte.bytes, [&] {
+    if (const std::string_view name = NameOf(value, names); !name.empty()) {
+      report << name;
+    } else {
+      report << "0x";
+      PrintHexByte(value);
+    }
+  });
 }
 
 // A number behind a length byte; no line when that is zero.
 void PrintUnknownNumber(FieldCursor& fields) {
   const u8 length = fields.Byte();
   if (length == 0) return;
-  report << "\tUnknown            : 0x";
-  PrintHex(fields.Number(length), 0);
-  report << LineEnd;
+  const VblkNumber number = fields.Number(length);
+  PrintNotedLine("\tUnknown            : 0x", number.bytes, [&] { PrintHex(number.value, 0); });
 }
 
-void PrintPartitionType(u8 type) {
-  report << "\tPartition Type     : 0x";
-  PrintHexByte(type);
-  report << " (" << PartitionTypeName(type) << ")" << LineEnd;
+void PrintPartitionType(VblkNumber stored) {
+  const u8 type = static_cast<u8>(stored.value);
+  PrintNotedLine("\tPartition Type     : 0x", stored.bytes, [&] {
+    PrintHexByte(type);
+    report << " (" << PartitionTypeName(type) << ")";
+  });
 }
 
 // In sectors of 512 bytes, whatever the disk's are.
-void PrintChildSize(u64 sectors) {
-  report << "\tSize (if childen) : " << sectors << "(" << (sectors << 9 >> 20) << " MiB)" << LineEnd;
+void PrintChildSize(VblkNumber sectors) {
+  PrintNotedLine("\tSize (if childen) : ", sectors.bytes,
+                 [&] { report << sectors.value << "(" << (sectors.value << 9 >> 20) << " MiB)"; });
 }
 
 }  // namespace
@@ -72,18 +83,18 @@ void PrintVolume(Bytes data, u8 flags) {
   PrintTextLine("\tVolume Type        : [ ", fields.Sized());
   PrintAttributes(fields);
   PrintTextLine("\tVolume State       : [ ", fields.Take(kStateSize));
-  PrintNamedByte("\tVolume Type        : ", fields.Byte(), kVolumeTypes);
+  PrintNamedByte("\tVolume Type        : ", fields.Number(1), kVolumeTypes);
   fields.Skip(1);
-  PrintNumberLine("\tVolume Number      : ", fields.Byte());
+  PrintNumberLine("\tVolume Number      : ", fields.Number(1));
   fields.Skip(3);
-  PrintNamedByte("\tFlags              : ", fields.Byte(), kVolumeFlags);
+  PrintNamedByte("\tFlags              : ", fields.Number(1), kVolumeFlags);
   PrintNumberLine("\tNumber Of Children : ", fields.SizedNumber());
   PrintNumberLine("\tLog Commit Id.     : ", fields.Number(8));
   PrintNumberLine("\tDuplicate?         : ", fields.Number(8));
   PrintSizeLine("\tSize               : ", fields.SizedNumber());
   PrintUnknownNumber(fields);
   fields.Skip(3);
-  PrintPartitionType(fields.Byte());
+  PrintPartitionType(fields.Number(1));
   PrintGuidLine("\tVolume Id.         : { ", fields.Take(16));
   if ((flags & kHasId1) != 0) PrintIdentifierLine("\tId1?               : 0x", fields.Sized());
   if ((flags & kHasId2) != 0) PrintIdentifierLine("\tId2?               : 0x", fields.Sized());
@@ -91,9 +102,11 @@ void PrintVolume(Bytes data, u8 flags) {
   if ((flags & kHasDriveHint) != 0) PrintTextLine("\tDrive Hint         : [ ", fields.Sized());
   if (FirstField(flags) == 0) report << LineEnd;
   PrintGuidLine("\tVolume Id2.        : { ", fields.Take(16));
-  report << "\tUnknown.           : 0x";
-  PrintHexByte(fields.Byte());
-  report << " }" << LineEnd << LineEnd;
+  const VblkNumber unknown = fields.Number(1);
+  PrintNotedLine(
+      "\tUnknown.           : 0x", unknown.bytes, [&] { PrintHexByte(static_cast<u8>(unknown.value)); },
+      " }");
+  report << LineEnd;
 }
 
 }  // namespace trovisk

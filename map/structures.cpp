@@ -25,16 +25,42 @@ std::string LabelText(std::string_view label) {
   return std::string(label.substr(from, to - from + 1));
 }
 
+// What stands in front of that place on its line.
+std::string_view LineBefore(std::string_view text, u64 place) {
+  const std::string_view before = text.substr(0, place);
+  return before.substr(before.rfind('\n') + 1);
+}
+
+// The lines of a value, one behind the other.
+std::string OnOneLine(std::string_view value) {
+  std::string line;
+  for (std::size_t from = 0; from < value.size();) {
+    const std::size_t end = std::min(value.find('\n', from), value.size());
+    const std::string_view piece = value.substr(from, end - from);
+    const std::size_t first = std::min(piece.find_first_not_of(" \t"), piece.size());
+    const std::size_t last = piece.find_last_not_of(" \t");
+    if (from == 0) {
+      line = piece.substr(piece.starts_with('\t') ? 1 : 0);
+    } else if (first < piece.size()) {
+      line.append(line.ends_with(' ') ? "" : " ").append(piece.substr(first, last - first + 1));
+    }
+    from = end + 1;
+  }
+  return line;
+}
+
 std::vector<StructureField> FieldsOf(const Catcher::Caught& caught) {
   std::vector<StructureField> fields;
   for (const FieldNote& note : caught.fields) {
     if (note.begin > note.end || note.end > caught.text.size()) continue;
-    std::string value = caught.text.substr(note.begin, note.end - note.begin);
+    std::string_view label = note.label;
+    if (label.empty()) label = LineBefore(caught.text, note.begin);
+    std::string value = OnOneLine(std::string_view(caught.text).substr(note.begin, note.end - note.begin));
     // A text that fills its field is shown with the NULs behind it.
     while (!value.empty() && (value.back() == '\n' || value.back() == ' ' || value.back() == '\0'))
       value.pop_back();
-    if (note.label.ends_with("0x")) value.insert(0, "0x");  // else nobody tells 0x10 from 10
-    fields.push_back({.label = LabelText(note.label),
+    if (label.ends_with("0x")) value.insert(0, "0x");  // else nobody tells 0x10 from 10
+    fields.push_back({.label = LabelText(label),
                       .value = std::move(value),
                       .offset = note.offset.value_or(0),
                       .length = note.length,

@@ -4,6 +4,7 @@
 // Little-endian. Layout: Microsoft, "FAT: General Overview of On-Disk Format", FSInfo structure.
 // Checked: end mark, lead signature. Not checked: structure and trail signatures.
 
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "mbr/fat32_fsinfo_layout.h"
@@ -23,14 +24,14 @@ constexpr FieldRow kEnd[] = {
 };
 static_assert(FieldsFit(kSignatures, 512) && FieldsFit(kEnd, 512));
 
-void PrintHint(std::string_view label, u32 value) {
-  report << label;
-  if (value == kUnknown) {
-    report << "Unknown";
-  } else {
-    report << value;
-  }
-  report << LineEnd;
+void PrintHint(std::string_view label, FixedBytes<4> field) {
+  PrintNotedLine(label, field, [&] {
+    if (const u32 value = Le32<0>(field); value != kUnknown) {
+      report << value;
+    } else {
+      report << "Unknown";
+    }
+  });
 }
 
 void PrintReport(SectorView fsInfo) {
@@ -38,8 +39,8 @@ void PrintReport(SectorView fsInfo) {
   PrintHeading("FAT32 Filesystem Information Sector");
   report << LineEnd;
   PrintFields(fsInfo, kSignatures);
-  PrintHint("Last known count of free clusters : ", Le32<kFsInfoFreeClusters>(fsInfo));
-  PrintHint("Cluster number to begin search    : ", Le32<kFsInfoNextCluster>(fsInfo));
+  PrintHint("Last known count of free clusters : ", Part<kFsInfoFreeClusters, 4>(fsInfo));
+  PrintHint("Cluster number to begin search    : ", Part<kFsInfoNextCluster, 4>(fsInfo));
   PrintFields(fsInfo, kEnd);
 }
 

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "frame/global.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "mbr/fat_bootstrap.h"
@@ -59,12 +60,14 @@ void PrintReport(SectorView boot, const Layout& layout, u64 sector) {
   report << LineEnd;
   for (unsigned fat = 1; fat <= U8<kBpbFatCount>(boot); ++fat) {
     const u64 first = Le16<kBpbReservedSectors>(boot) + u64{fat - 1} * layout.fatSize + sector;
-    report << "First sector of FAT#" << fat << "         : " << first << LineEnd;
+    report << "First sector of FAT#" << fat;
+    PrintNotedLine("         : ", {}, [&] { report << first; });
   }
   if (!layout.type->rootInClusters) {
-    report << "First root dir sector number  : " << layout.rootDirectory + sector << LineEnd;
+    PrintNotedLine("First root dir sector number  : ", {}, [&] { report << layout.rootDirectory + sector; });
   }
-  report << "First data sector number      : " << layout.firstData + sector << LineEnd << LineEnd;
+  PrintNotedLine("First data sector number      : ", {}, [&] { report << layout.firstData + sector; });
+  report << LineEnd;
   PrintFatBootstrap(*layout.type, boot);
   report << LineEnd;
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "mbr/fat_bpb.h"
 #include "refimages/boot_sector.h"
@@ -79,21 +80,23 @@ const FatCode* IdentifyCode(std::span<const FatCode> codes, SectorView boot) {
 }
 
 void PrintSystemFile(Bytes name) {
-  report << "System File                   : [ ";
-  PrintChars(name);
-  report << " ]" << LineEnd << LineEnd;
+  PrintNotedLine(
+      "System File                   : [ ", name, [&] { PrintChars(name); }, " ]");
+  report << LineEnd;
 }
 
 // Name and extension as they stand on the disk, without blanks. The dot stands before the eighth byte, so
 // that a name of eight letters shows its last one behind the dot.
 void PrintNumberedSystemFile(unsigned number, Bytes name) {
-  report << "System File #" << number << "                : [ ";
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    if (i == 7) report << ".";
-    const char character = static_cast<char>(name[i]);
-    if (character != ' ') PrintAsStored({&character, 1});
-  }
-  report << " ]" << LineEnd;
+  const auto print = [&] {
+    for (std::size_t i = 0; i < name.size(); ++i) {
+      if (i == 7) report << ".";
+      const char character = static_cast<char>(name[i]);
+      if (character != ' ') PrintAsStored({&character, 1});
+    }
+  };
+  report << "System File #" << number;
+  PrintNotedLine("                : [ ", name, print, " ]");
 }
 
 // The text from a position to the first byte that is 0 or 0xFF, or to the sector's end.
@@ -157,8 +160,9 @@ void PrintFilesAndMessages(const FatCode& code, SectorView boot) {
 
 void PrintFat32Fields(SectorView boot) {
   PrintFields(boot, kFat32FatSizeRow);
-  report << "Filesystem Version            : " << U8<kFat32Version>(boot) << "."
-         << U8<kFat32Version + 1>(boot) << LineEnd;
+  const auto version = Part<kFat32Version, 2>(boot);
+  PrintNotedLine("Filesystem Version            : ", version,
+                 [&] { report << version[0] << "." << version[1]; });
   PrintFields(boot, kFat32Sectors);
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "frame/global.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "mbr/partition_entry.h"
@@ -93,13 +94,13 @@ bool HasEntryOfType(SectorView mbr, u8 type) {
 void PrintTimeStamp(SectorView mbr) {
   if (U8<kTimeStampDrive>(mbr) == 0) return;
   PrintFields(mbr, kTimeStampDriveRow);
-  report << "Last Access Time : ";
-  PrintTwoDigits(U8<kTimeStampHours>(mbr));
-  report << ":";
-  PrintTwoDigits(U8<kTimeStampMinutes>(mbr));
-  report << ":";
-  PrintTwoDigits(U8<kTimeStampSeconds>(mbr));
-  report << LineEnd;
+  PrintNotedLine("Last Access Time : ", Part<kTimeStampSeconds, 3>(mbr), [&] {
+    PrintTwoDigits(U8<kTimeStampHours>(mbr));
+    report << ":";
+    PrintTwoDigits(U8<kTimeStampMinutes>(mbr));
+    report << ":";
+    PrintTwoDigits(U8<kTimeStampSeconds>(mbr));
+  });
 }
 
 void PrintSequentialMessages(SectorView mbr, u64 position) {

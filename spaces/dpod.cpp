@@ -5,6 +5,7 @@
 // Checked: signature.
 
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "spaces/verbs.h"
@@ -37,9 +38,7 @@ void PrintGuidOrEmpty(FixedBytes<16> guid) {
 }
 
 void PrintGuidLine(std::string_view label, FixedBytes<16> guid) {
-  report << label;
-  PrintGuidOrEmpty(guid);
-  report << LineEnd;
+  PrintNotedLine(label, guid, [&] { PrintGuidOrEmpty(guid); });
 }
 
 void PrintReport(FixedBytes<kRecordSize> record) {

@@ -10,6 +10,7 @@
 
 #include "frame/global.h"
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "spaces/sdbb_layout.h"
@@ -39,9 +40,12 @@ void PrintPart(Record record) {
     PrintFields(record, kParentRow);
   }
   const int partIndex = Be16<kPartIndex>(record);
-  report << "\tPart   : " << partIndex + 1 << " of " << Be16<kPartCount>(record) << LineEnd;
+  static_assert(kPartCount == kPartIndex + 2);
+  PrintNotedLine("\tPart   : ", Part<kPartIndex, 4>(record),
+                 [&] { report << partIndex + 1 << " of " << Be16<kPartCount>(record); });
   if (partIndex == 0) {
     report << "\tType   : 0x";
+    const NotedField noted(Part<kEntryType, 2>(record));
     PrintHexBytes(Part<kEntryType, 2>(record));
   }
 }

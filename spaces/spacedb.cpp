@@ -8,6 +8,7 @@
 #include "frame/global.h"
 #include "frame/report/field_table.h"
 #include "frame/report/filetime.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "spaces/spacedb_layout.h"
@@ -60,22 +61,22 @@ void PrintReport(SectorView header) {
   PrintFields(header, kMagicNumber);
   PrintRevisionLine(Part<kRevision, 4>(header));
   PrintFields(header, kBeforeFileTime);
-  report << "Unknown FILETIME            : ";
-  PrintCalendarTime(Be64<kFileTime>(header));
-  report << LineEnd;
+  PrintNotedLine("Unknown FILETIME            : ", Part<kFileTime, 8>(header),
+                 [&] { PrintCalendarTime(Be64<kFileTime>(header)); });
   PrintFields(header, kGuids);
-  const u64 number = Le64<kNumber>(header);
-  report << "Unknown                     : 0x";
-  PrintHex(number, 16);
-  report << "(" << number << ")" << LineEnd;
+  PrintNotedLine("Unknown                     : 0x", Part<kNumber, 8>(header), [&] {
+    const u64 number = Le64<kNumber>(header);
+    PrintHex(number, 16);
+    report << "(" << number << ")";
+  });
   PrintFields(header, kBehindNumber);
-  report << "Timestamp                   : ";
-  if (const u64 timeStamp = Be64<kTimeStamp>(header); timeStamp != 0) {
-    PrintFileTime(timeStamp);
-  } else {
-    report << "n/a";
-  }
-  report << LineEnd;
+  PrintNotedLine("Timestamp                   : ", Part<kTimeStamp, 8>(header), [&] {
+    if (const u64 timeStamp = Be64<kTimeStamp>(header); timeStamp != 0) {
+      PrintFileTime(timeStamp);
+    } else {
+      report << "n/a";
+    }
+  });
 }
 
 }  // namespace

@@ -1,14 +1,15 @@
 #include "spaces/verbs.h"
 
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 
 namespace trovisk {
 
 void PrintRevisionLine(FixedBytes<4> revision) {
-  report << "Revision                    : ";
-  PrintFraction(revision[0] * 1000.0 + revision[1] * 100.0 + revision[2] * 10.0 + revision[3] / 100.0);
-  report << LineEnd;
+  PrintNotedLine("Revision                    : ", revision, [&] {
+    PrintFraction(revision[0] * 1000.0 + revision[1] * 100.0 + revision[2] * 10.0 + revision[3] / 100.0);
+  });
 }
 
 bool ShowAsRawSector(u64 sector, bool print) {
@@ -20,9 +21,11 @@ bool ShowAsRawSector(u64 sector, bool print) {
 
 void PrintUnnamedWords(std::string_view label, Bytes words) {
   for (std::size_t i = 0; i < words.size(); i += 4) {
-    report << label;
-    PrintHexBytes(SliceAt(words, i, 4));
-    report << " (" << Le32At(words, i) << ")" << LineEnd;
+    const Bytes word = SliceAt(words, i, 4);
+    PrintNotedLine(label, word, [&] {
+      PrintHexBytes(word);
+      report << " (" << Le32At(word, 0) << ")";
+    });
   }
 }
 

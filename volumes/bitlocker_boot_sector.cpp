@@ -6,6 +6,7 @@
 // readable. Layout: Microsoft, BIOS parameter blocks of NTFS and FAT32; the fields of BitLocker as observed
 // on disks. Checked: the end mark. Not checked: offsets of the messages, whose texts end with the sector.
 
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "refimages/boot_sector.h"
@@ -92,9 +93,8 @@ static_assert(FieldsFit(kCommon, 512) && FieldsFit(kEnd, 512) && FieldsFit(kVist
 
 void PrintVista(SectorView boot) {
   PrintFields(boot, kVistaBeforeMftEntrySize);
-  report << "MFT Entry Size                         : ";
-  PrintRawByte(U8<kNtfsFileRecordSegment>(boot));
-  report << LineEnd;
+  PrintNotedLine("MFT Entry Size                         : ", Part<kNtfsFileRecordSegment, 1>(boot),
+                 [&] { PrintRawByte(U8<kNtfsFileRecordSegment>(boot)); });
   PrintFields(boot, kVistaBehindMftEntrySize);
   PrintCodeSection("Windows Vista Bitlocker Bootstrap Code", Part<kVistaCode, kEndMark - kVistaCode>(boot));
   report << LineEnd;
@@ -102,14 +102,15 @@ void PrintVista(SectorView boot) {
 
 // Eight to a line, later lines below the first one's values; an empty line behind the last.
 void PrintByteList(std::string_view label, Bytes bytes) {
-  report << label;
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    if (i != 0 && i % 8 == 0) report << LineEnd << std::string(label.size(), ' ');
-    report << "0x";
-    PrintHexByte(bytes[i]);
-    report << " ";
-  }
-  report << LineEnd << LineEnd;
+  PrintNotedLine(label, bytes, [&] {
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      if (i != 0 && i % 8 == 0) report << LineEnd << std::string(label.size(), ' ');
+      report << "0x";
+      PrintHexByte(bytes[i]);
+      report << " ";
+    }
+  });
+  report << LineEnd;
 }
 
 // The first message stands at its own offset, the others at their distance from the first. The first two are
@@ -136,12 +137,13 @@ void PrintSeven(SectorView boot) {
   PrintByteList("Unknown [0x00]                         : ", Part<0x148, 80>(boot));
   PrintByteList("Unknown [0x78]                         : ", Part<0x198, 80>(boot));
   PrintByteList("Unknown [0xFF]                         : ", Part<0x1E8, 19>(boot));
-  report << "Message Offsets                        : ";
-  for (const u8 offset : Part<kSevenMessageOffsets, 3>(boot)) {
-    PrintBracketedHexBytes({&offset, 1});
-    report << " ";
-  }
-  report << LineEnd;
+  const auto offsets = Part<kSevenMessageOffsets, 3>(boot);
+  PrintNotedLine("Message Offsets                        : ", offsets, [&] {
+    for (const u8 offset : offsets) {
+      PrintBracketedHexBytes({&offset, 1});
+      report << " ";
+    }
+  });
   PrintMessages(boot);
 }
 

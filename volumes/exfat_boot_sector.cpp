@@ -5,6 +5,7 @@
 // Windows boot code keeps them.
 // Checked: end mark. Not checked: all other fields; shifts are taken modulo 32.
 
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "refimages/boot_sector.h"
@@ -48,8 +49,15 @@ constexpr FlagLine kFlagLines[] = {
     {3, "\tClear To Zero", ""},
 };
 
-void PrintVolumeFlags(unsigned flags) {
+// Of an exponent of two, counted modulo 32.
+void PrintPowerOfTwo(std::string_view label, FixedBytes<1> exponent) {
+  PrintNotedLine(label, exponent, [&] { report << (u32{1} << (exponent[0] % 32)); });
+}
+
+void PrintVolumeFlags(FixedBytes<2> field) {
+  const unsigned flags = Le16<0>(field);
   report << "Volume Flags" << LineEnd;
+  const NotedField noted("Volume Flags", field);
   for (const FlagLine& line : kFlagLines) {
     const std::string_view text = (flags >> line.bit & 1) != 0 ? line.set : line.clear;
     if (!text.empty()) report << text << LineEnd;
@@ -77,15 +85,16 @@ void PrintReport(SectorView boot) {
   PrintFields(boot, kBootSectorStart);
   report << LineEnd;
   PrintFields(boot, kExtentFields);
-  report << "File System Revision      : ";
-  PrintTwoDigits(U8<kExFatRevisionMajor>(boot));
-  report << ".";
-  PrintTwoDigits(U8<kExFatRevisionMinor>(boot));
-  report << LineEnd << LineEnd;
+  PrintNotedLine("File System Revision      : ", Part<kExFatRevisionMinor, 2>(boot), [&] {
+    PrintTwoDigits(U8<kExFatRevisionMajor>(boot));
+    report << ".";
+    PrintTwoDigits(U8<kExFatRevisionMinor>(boot));
+  });
+  report << LineEnd;
 
-  PrintVolumeFlags(Le16<kExFatVolumeFlags>(boot));
-  report << "Bytes / Sector            : " << (u32{1} << (U8<kExFatSectorShift>(boot) % 32)) << LineEnd;
-  report << "Sectors / Cluster         : " << (u32{1} << (U8<kExFatClusterShift>(boot) % 32)) << LineEnd;
+  PrintVolumeFlags(Part<kExFatVolumeFlags, 2>(boot));
+  PrintPowerOfTwo("Bytes / Sector            : ", Part<kExFatSectorShift, 1>(boot));
+  PrintPowerOfTwo("Sectors / Cluster         : ", Part<kExFatClusterShift, 1>(boot));
   PrintFields(boot, kDriveFields);
 
   PrintCodeSection("Windows exFAT Bootstrap Code", StretchOf(BootCode::kExFat, boot));

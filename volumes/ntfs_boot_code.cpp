@@ -11,6 +11,7 @@
 
 #include "frame/global.h"
 #include "frame/report/listing.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 
@@ -67,14 +68,16 @@ bool AppendFurtherNames(SectorView code, std::vector<std::wstring>& names) {
 }
 
 void PrintNames(const std::vector<std::wstring>& names) {
-  report << "Boot File" << (names.size() > 1 ? "s" : "") << " : ";
-  std::string_view separator;
-  for (const std::wstring& name : names) {
-    report << separator;
-    PrintAsStored(ToNarrow(name));
-    separator = ", ";
-  }
-  report << LineEnd << LineEnd;
+  report << "Boot File" << (names.size() > 1 ? "s" : "");
+  PrintNotedLine(" : ", {}, [&] {
+    std::string_view separator;
+    for (const std::wstring& name : names) {
+      report << separator;
+      PrintAsStored(ToNarrow(name));
+      separator = ", ";
+    }
+  });
+  report << LineEnd;
 }
 
 void PrintReport(const Layout& layout, const std::vector<std::wstring>& names, SectorView sector) {
@@ -91,7 +94,11 @@ void PrintReport(const Layout& layout, const std::vector<std::wstring>& names, S
   if (layout.hasMessage) {
     report << LineEnd;
     report << "Message : " << LineEnd << LineEnd;
-    PrintChars(Part<kMessage, kMessageSize>(sector));
+    {
+      const auto message = Part<kMessage, kMessageSize>(sector);
+      const NotedField noted("Message", message);
+      PrintChars(message);
+    }
     report << LineEnd << LineEnd;
   }
   report << LineEnd << LineEnd;

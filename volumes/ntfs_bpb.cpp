@@ -7,6 +7,7 @@
 
 #include "volumes/ntfs_bpb.h"
 
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "refimages/boot_sector.h"
 
@@ -51,11 +52,11 @@ void PrintNtfsBpb(SectorView bootSector) {
   report << LineEnd;
   PrintHeading("BIOS Parameter Block", "\t");
   PrintFields(bootSector, kSectorSize);
-  report << "\tSectors/Cluster            : " << ShownSectorsPerCluster(U8<kBpbSectorsPerCluster>(bootSector))
-         << LineEnd;
+  PrintNotedLine("\tSectors/Cluster            : ", Part<kBpbSectorsPerCluster, 1>(bootSector),
+                 [&] { report << ShownSectorsPerCluster(U8<kBpbSectorsPerCluster>(bootSector)); });
   PrintFields(bootSector, kGeometryAndMetadata);
-  report << "\tClusters/File Record Seg.  : "
-         << ShownClustersPerRecordSegment(Le32<kNtfsFileRecordSegment>(bootSector)) << LineEnd;
+  PrintNotedLine("\tClusters/File Record Seg.  : ", Part<kNtfsFileRecordSegment, 4>(bootSector),
+                 [&] { report << ShownClustersPerRecordSegment(Le32<kNtfsFileRecordSegment>(bootSector)); });
   PrintFields(bootSector, kIndexAndSerial);
 }
 

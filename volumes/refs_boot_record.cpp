@@ -7,6 +7,7 @@
 // Not checked: anything. What was read is shown, and what it points to registered.
 
 #include "frame/global.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "refimages/boot_sector.h"
@@ -48,17 +49,18 @@ void PrintReport(SectorView boot, Copy copy) {
   report << LineEnd;
   PrintHeading(copy == Copy::kPrimary ? "ReFS Volume Boot Record" : "ReFS Backup Volume Boot Record");
   PrintFields(boot, kVolumeFields);
-  report << "ReFS Version          : " << U8<kReFsVersionMajor>(boot) << "." << U8<kReFsVersionMinor>(boot)
-         << LineEnd;
+  const auto version = Part<kReFsVersionMajor, 2>(boot);
+  PrintNotedLine("ReFS Version          : ", version, [&] { report << version[0] << "." << version[1]; });
   if (copy == Copy::kBackup) PrintFields(boot, kUnknownFields);
   PrintFields(boot, kIdentityFields);
 
   const auto guid = Part<kReFsGuid, 16>(boot);
-  report << "FS GUID               : ";
-  PrintHexBytes(guid);
-  report << " {";
-  PrintGuid(guid);
-  report << "}" << LineEnd;
+  PrintNotedLine("FS GUID               : ", guid, [&] {
+    PrintHexBytes(guid);
+    report << " {";
+    PrintGuid(guid);
+    report << "}";
+  });
   PrintFields(boot, kEnd);
   report << LineEnd;
 }

@@ -7,6 +7,7 @@
 // are not followed.
 
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "volumes/refs_layout.h"
@@ -66,10 +67,8 @@ static_assert(FieldsFit(kFlagFields, kRecordSize) && FieldsFit(kDescriptorLength
               FieldsFit(kClockFields, kRecordSize) && FieldsFit(kCountFields, kRecordSize) &&
               FieldsFit(kPointerFields, kRecordSize));
 
-void PrintHexLineKeepingBase(std::string_view label, u64 value, std::size_t width) {
-  report << label;
-  PrintHexKeepingBase(value, width);
-  report << LineEnd;
+void PrintHexLineKeepingBase(std::string_view label, Bytes field, u64 value, std::size_t width) {
+  PrintNotedLine(label, field, [&] { PrintHexKeepingBase(value, width); });
 }
 
 // The offset leaves the report in hexadecimal, and the numbers behind it come out so until a field returns to
@@ -80,18 +79,20 @@ void PrintReport(CheckpointView page) {
   PrintHeading("ReFS CHKP");
   PrintReFsPageHeader(Part<0, kReFsPageHeaderSize>(page), "");
   PrintFields(page, kFlagFields);
-  report << "ReFS Version                : " << Le16<kVersionMajor>(page) << "." << Le16<kVersionMinor>(page)
-         << LineEnd;
-  report << "Offset To Self-Descriptor   : 0x";
-  PrintHexStayingHex(Le32<kSelfDescriptorOffset>(page), 8);
-  report << LineEnd;
+  PrintNotedLine("ReFS Version                : ", Part<kVersionMajor, 4>(page),
+                 [&] { report << Le16<kVersionMajor>(page) << "." << Le16<kVersionMinor>(page); });
+  PrintNotedLine("Offset To Self-Descriptor   : 0x", Part<kSelfDescriptorOffset, 4>(page),
+                 [&] { PrintHexStayingHex(Le32<kSelfDescriptorOffset>(page), 8); });
   PrintFields(page, kDescriptorLengthField);
   PrintSelfDescriptor(page, Le32<kSelfDescriptorOffset>(page), Le32<kSelfDescriptorLength>(page));
 
   PrintFields(page, kClockFields);
-  PrintHexLineKeepingBase("Oldest Log Record Reference : 0x", Le64<kOldestLogRecord>(page), 16);
-  PrintHexLineKeepingBase("Unknown                     : 0x", Le64<kUnknown>(page), 8);
-  PrintHexLineKeepingBase("Unknown Buffer Offset       : 0x", Le32<kBufferOffset>(page), 8);
+  PrintHexLineKeepingBase("Oldest Log Record Reference : 0x", Part<kOldestLogRecord, 8>(page),
+                          Le64<kOldestLogRecord>(page), 16);
+  PrintHexLineKeepingBase("Unknown                     : 0x", Part<kUnknown, 8>(page), Le64<kUnknown>(page),
+                          8);
+  PrintHexLineKeepingBase("Unknown Buffer Offset       : 0x", Part<kBufferOffset, 4>(page),
+                          Le32<kBufferOffset>(page), 8);
   PrintFields(page, kCountFields);
   report << LineEnd;
   PrintFields(page, kPointerFields);

@@ -8,6 +8,7 @@
 #include "volumes/refs_page.h"
 
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "volumes/refs_layout.h"
 
@@ -51,14 +52,12 @@ constexpr ValueName kChecksumTypes[] = {
 };
 
 void PrintChecksumType(u8 type) {
-  report << "            Checkum Type    : ";  // sic
   const std::string_view name = NameOf(type, kChecksumTypes);
   if (name.empty()) {
     report << "Unknown - " << type;
   } else {
     report << name;
   }
-  report << LineEnd;
 }
 
 // A number where type and length go together, else byte by byte. The length counts as a signed number.
@@ -78,15 +77,15 @@ void PrintChecksum(Bytes reference, u8 type, u64 position, u16 length) {
 void PrintReFsPageHeader(FixedBytes<kReFsPageHeaderSize> header, std::string_view lcnPrefix) {
   PrintFields(header, kHeaderFields);
   for (std::size_t i = 0; i < kLcns; ++i) {
-    report << "Logical Cluster Number #" << i << "   : " << lcnPrefix;
-    PrintHex(Le64At(Part<kPageLcns, kLcns * 8>(header), 8 * i), 16);
-    report << LineEnd;
+    const Bytes lcn = SliceAt(header, kPageLcns + 8 * i, 8);
+    report << "Logical Cluster Number #" << i << "   : ";
+    PrintNotedLine(lcnPrefix, lcn, [&] { PrintHex(Le64At(lcn, 0), 16); });
   }
-  report << "Table Identifier            : ";
-  PrintHex(Le64<kTableIdHigh>(header), 16);
-  report << "-";
-  PrintHex(Le64<kTableIdLow>(header), 16);
-  report << LineEnd;
+  PrintNotedLine("Table Identifier            : ", Part<kTableIdHigh, 16>(header), [&] {
+    PrintHex(Le64<kTableIdHigh>(header), 16);
+    report << "-";
+    PrintHex(Le64<kTableIdLow>(header), 16);
+  });
 }
 
 void PrintSelfDescriptor(Bytes page, u32 offset, u32 length) {
@@ -100,21 +99,24 @@ void PrintSelfDescriptor(Bytes page, u32 offset, u32 length) {
 void PrintPageReference(Bytes reference) {
   report << LineEnd;
   for (std::size_t i = 0; i < kLcns; ++i) {
-    report << "            LCN#" << i << "           : 0x";
-    PrintHex(Le64At(reference, kReferenceLcns + 8 * i), 16);
-    report << LineEnd;
+    const u64 position = kReferenceLcns + 8 * i;
+    report << "            LCN#" << i;
+    PrintNotedLine("           : 0x", SliceAt(reference, position, 8),
+                   [&] { PrintHex(Le64At(reference, position), 16); });
   }
   const u8 type = U8At(reference, kChecksumType);
   const u8 offset = U8At(reference, kChecksumOffset);
   const u16 length = Le16At(reference, kChecksumLength);
-  PrintChecksumType(type);
-  report << "            Checkum Offset  : 0x";  // sic
-  PrintHexByte(offset);
+  PrintNotedLine("            Checkum Type    : ", SliceAt(reference, kChecksumType, 1),  // sic
+                 [&] { PrintChecksumType(type); });
+  PrintNotedLine("            Checkum Offset  : 0x", SliceAt(reference, kChecksumOffset, 1),  // sic
+                 [&] { PrintHexByte(offset); });
+  PrintNotedLine("            Checksum Length : ", SliceAt(reference, kChecksumLength, 2),
+                 [&] { report << length; });
+  const u64 checksum = kChecksumBase + offset;
+  PrintNotedLine("            Checksum        : 0x", SliceAt(reference, checksum, length),
+                 [&] { PrintChecksum(reference, type, checksum, length); });
   report << LineEnd;
-  report << "            Checksum Length : " << length << LineEnd;
-  report << "            Checksum        : 0x";
-  PrintChecksum(reference, type, kChecksumBase + offset, length);
-  report << LineEnd << LineEnd;
 }
 
 }  // namespace trovisk

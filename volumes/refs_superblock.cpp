@@ -7,6 +7,7 @@
 
 #include "frame/global.h"
 #include "frame/report/field_table.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/verbs.h"
 #include "frame/sector.h"
 #include "volumes/refs_layout.h"
@@ -54,9 +55,9 @@ void PrintReport(SectorView page) {
   PrintFields(page, kFields);
   const Bytes references = References(page);
   for (std::size_t i = 0; i < ReferenceCount(references); ++i) {
-    report << "Checkpoint Reference #" << i + 1 << "     : 0x";
-    PrintHex(Reference(references, i), 16);
-    report << LineEnd;
+    report << "Checkpoint Reference #" << i + 1;
+    PrintNotedLine("     : 0x", SliceAt(references, i * kReFsReferenceSize, kReFsReferenceSize),
+                   [&] { PrintHex(Reference(references, i), 16); });
   }
   PrintFields(page, kSelfDescriptorFields);
   PrintSelfDescriptor(page, Le32<kSelfDescriptorOffset>(page), Le32<kSelfDescriptorLength>(page));

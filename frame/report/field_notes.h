@@ -13,7 +13,7 @@
 namespace trovisk {
 
 struct FieldNote {
-  std::string_view label;  // as the report has it, with what stands in front of the value
+  std::string_view label;  // as the report has it; empty: what stands in front of the value on its line
   u64 begin = 0;           // of the value in the report: counted as Report::Size counts
   u64 end = 0;
   u64 length = 0;             // bytes of the record

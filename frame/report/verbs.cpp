@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "frame/report/in_place.h"
+#include "frame/report/noted_field.h"
 #include "frame/report/put.h"
 
 namespace trovisk {
@@ -181,9 +182,11 @@ void PrintCodeSection(std::string_view title, std::size_t hyphens, Bytes code) {
 }
 
 void PrintErrorMessage(std::size_t number, std::string_view separator, Bytes text) {
-  report << "Error Message#" << number << separator;
-  PrintChars(text);
-  report << " ]" << LineEnd;
+  report << "Error Message#" << number;
+  const auto end = std::find(text.begin(), text.end(), u8{0});
+  const Bytes shown = text.first(static_cast<std::size_t>(end - text.begin()));
+  PrintNotedLine(
+      separator, shown, [&] { PrintChars(text); }, " ]");
 }
 
 void PrintGuid(FixedBytes<16> guid) {

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <regex>
+#include <set>
+#include <sstream>
 
 #include "tests/disks/gpt.h"
 #include "tests/disks/samples.h"
@@ -103,6 +106,62 @@ TEST(FieldNotes, NumbersOfTheSampleDisksStandWhereTheNotesSay) {
     EXPECT_GT(placed, 40u);
     EXPECT_GT(numbers, 20u);
   }
+}
+
+// The labels of a report's lines "Label : value", but for dumps of bytes that other fields name one by one.
+std::vector<std::string> LabelsOf(const std::string& text) {
+  static const std::regex labelled("\\t? *([A-Z][^:\\t]*[^: \\t]) *:.*");
+  std::vector<std::string> labels;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    std::smatch found;
+    if (!std::regex_match(line, found, labelled)) continue;
+    if (found[1] == "Data" || found[1] == "Self Descriptor" || found[1] == "Bootcode") continue;
+    labels.push_back(found[1]);
+  }
+  return labels;
+}
+
+TEST(FieldNotes, NoLabelledLineOfTheSampleDisksIsLeftOut) {
+  for (const Disk& disk : {GptSample(), MbrSample(), DynamicSample()}) {
+    SurveyOf(disk);
+    for (const Structure& structure : StructuresNow()) {
+      std::multiset<std::string> fields;
+      for (const StructureField& field : structure.fields)
+        fields.insert(field.label);
+      for (const std::string& label : LabelsOf(structure.text)) {
+        const auto found = fields.find(label);
+        ASSERT_NE(found, fields.end()) << label << " in\n" << structure.text;
+        fields.erase(found);
+      }
+    }
+  }
+}
+
+// Each is written as other bytes than the value has digits.
+TEST(FieldNotes, OfLinesThatNoTablePrints) {
+  SurveyOf(GptSample());
+  const std::vector<Structure> structures = StructuresNow();
+  const auto has = [&](u64 sector, const std::string& field) {
+    const Structure* const structure = At(structures, sector);
+    ASSERT_NE(structure, nullptr) << sector;
+    const std::vector<std::string> fields = FieldsOf(*structure);
+    EXPECT_NE(std::find(fields.begin(), fields.end(), field), fields.end()) << field << " in\n"
+                                                                            << structure->text;
+  };
+  has(1, "Revision = 10 @8+4");
+  has(1, "Last Partitition Entry LBA = 33 @?+0");
+  has(2, "Partition Type = EFI Partition Scheme @0+16");
+  has(2048, "First sector of FAT#2 = 2680 @?+0");
+  has(2048, "Filesystem Version = 0.0 @42+2");
+  has(80112, "Checkpoint Reference #2 = 0x00000000000001E8 @200+8");
+  has(80112, "Checksum = 0x0123456789ABCDEF @248+8");
+  has(96256, "Sectors/Cluster = 8 @13+1");
+  // Lines below one another become one: an exFAT volume's flags.
+  has(104448, "Volume Flags = Active FAT 0 Volume Clean No Media Failure @106+2");
+  // In slot 0 of a sector of LDM records: what stands behind fields of stated lengths.
+  has(114698, "Number Of Children = 1 @61+1");
+  has(114698, "Size = 0x800 (1 MiB) @79+2");
 }
 
 }  // namespace
