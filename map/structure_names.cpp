@@ -49,4 +49,9 @@ const StructureKind& KindOf(SectorDecoder decoder) {
   return found == std::end(kKinds) ? kOther : *found;
 }
 
+bool IsValid(SectorDecoder decoder, const Reading& reading) {
+  if (reading.complained && KindOf(decoder).optional) return reading.readable;
+  return reading.next > reading.sector && reading.next != kEndPass && !reading.complained;
+}
+
 }  // namespace trovisk

@@ -20,6 +20,17 @@ struct StructureKind {
 
 const StructureKind& KindOf(SectorDecoder decoder);
 
+// What a decoder made of a sector.
+struct Reading {
+  u64 sector = 0;
+  u64 next = 0;  // the sector that it returned
+  bool complained = false;
+  bool readable = false;  // the sector, by itself
+};
+
+// Whether the structure is sound as far as its decoder sees, or absent where none need stand.
+bool IsValid(SectorDecoder decoder, const Reading& reading);
+
 }  // namespace trovisk
 
 #endif

@@ -92,7 +92,10 @@ Structure Show(const SectorToc::Found& found, u64 lastOnDisk) {
   u64 next = kEndPass;
   if (SeekToSector(sector)) next = decoder(found.entry.description, sector, true);
   Catcher::Caught caught = catcher.Take();
-  structure.valid = next > sector && next != kEndPass && caught.messages.empty();
+  structure.valid = IsValid(decoder, {.sector = sector,
+                                      .next = next,
+                                      .complained = !caught.messages.empty(),
+                                      .readable = !structure.bytes.empty()});
   structure.fields = FieldsOf(caught);
   structure.messages = std::move(caught.messages);
   structure.text = std::move(caught.text);

@@ -180,7 +180,9 @@ class Walk {
     if (SeekToSector(sector))
       next = reader.decoder(reader.title, sector, KindOf(reader.decoder).showsToRegister);
     const Catcher::Caught caught = catcher_.Take();
-    const bool valid = next > sector && next != kEndPass && caught.messages.empty();
+    const bool valid = IsValid(
+        reader.decoder,
+        {.sector = sector, .next = next, .complained = !caught.messages.empty(), .readable = !bytes.empty()});
     if (valid && !bytes.empty()) return {.decoded = true, .message = {}};
     return {.decoded = true, .valid = false, .message = valid ? "unreadable" : MessageOf(caught)};
   }

@@ -8,6 +8,7 @@
 
 #include "tests/disks/gpt.h"
 #include "tests/disks/mbr.h"
+#include "tests/disks/samples.h"
 #include "tests/disks/spaces.h"
 #include "tests/support/child.h"
 #include "tests/survey/surveyed.h"
@@ -37,6 +38,25 @@ TEST(Walk, ASoundDiskHasNothingWrong) {
   EXPECT_EQ(WrongChecks(map), Lines{});
   EXPECT_EQ(map.invalidStructures, 0u);
   EXPECT_EQ(map.ExitStatus(), 0);
+}
+
+TEST(Walk, TheSampleDisksHaveNothingWrong) {
+  for (const Disk& disk : {GptSample(), MbrSample(), DynamicSample()}) {
+    const DiskMap map = SurveyOf(disk);
+    EXPECT_EQ(WrongChecks(map), Lines{});
+    EXPECT_EQ(map.invalidStructures, 0u);
+    EXPECT_EQ(map.ExitStatus(), 0);
+  }
+}
+
+// The list of a storage pool's records ends with the first sector that has none; an unreadable one is no end.
+TEST(Walk, TheSectorBehindAListIsNoInvalidStructure) {
+  SurveyOf(GptSample());
+  Lines names = Named(StructuresNow());
+  EXPECT_NE(std::find(names.begin(), names.end(), "118794 spaces_sdbb"), names.end());
+  SurveyOf({.disk = GptSample(), .faults = {UnreadableSector(118794)}});
+  names = Named(StructuresNow());
+  EXPECT_NE(std::find(names.begin(), names.end(), "118794 spaces_sdbb (invalid)"), names.end());
 }
 
 TEST(Walk, AZeroedPrimaryHeaderLeavesTheBackupsPartitions) {
