@@ -12,6 +12,7 @@
 #include "map/catcher.h"
 #include "map/contents.h"
 #include "map/partitions.h"
+#include "map/sector_size.h"
 #include "map/structures.h"
 #include "map/walk.h"
 
@@ -100,6 +101,7 @@ DiskMap Survey(const char* argument, Catcher& catcher) {
     map.disk.tableLength = copy->entryCount;
   }
   RegisterTables(tables);
+  CheckSectorSize(tables, lastOnDisk);
   ReadContents(map, tables, lastOnDisk);
   std::move(tables.checks.begin(), tables.checks.end(), std::back_inserter(map.checks));
   std::move(tables.cut.begin(), tables.cut.end(), std::back_inserter(map.cut));
