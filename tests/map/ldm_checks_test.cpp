@@ -155,7 +155,7 @@ TEST(LdmChecks, TocBlocksThatDisagreeAreBad) {
 
 TEST(LdmChecks, RegionsThatOverlapAreBad) {
   Disk disk = MakeGroupDisk(kGroup);
-  for (const u64 place : {2, 2045})
+  for (const u64 place : {u64{2}, u64{2045}})
     disk.At(kConfig + place).Be64(80, 1497);
   EXPECT_EQ(
       ChecksOf(disk, "TOCBLOCK regions"),
