@@ -90,6 +90,9 @@ std::optional<BootSector> FindBootSector(VolumeFindings& findings, const VolumeP
     const std::string complaint = search.complaint(SectorView(*boot));
     if (complaint.empty()) {
       whole = {.bytes = *boot};
+    } else if (AllZero(*boot)) {
+      check.verdict = Verdict::kMissing;
+      check.found = "zeros";
     } else {
       check.verdict = Verdict::kBad;
       check.found = complaint;

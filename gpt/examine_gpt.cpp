@@ -185,8 +185,8 @@ GptCopy ExamineGptCopy(std::string_view which, u64 sector, u64 lastOnDisk, std::
   const Bytes bytes = *record;
   const Bytes signature = SliceAt(bytes, header::kSignature, 8);
   copy.present = EqualsText(signature, "EFI PART");
-  checks.push_back(
-      {sector, name, copy.present ? Verdict::kGood : Verdict::kMissing, SafeAscii(signature), "EFI PART"});
+  const std::string found = AllZero(signature) ? "zeros" : SafeAscii(signature);
+  checks.push_back({sector, name, copy.present ? Verdict::kGood : Verdict::kMissing, found, "EFI PART"});
   if (!copy.present) return copy;
   copy.ownLba = Le64At(bytes, header::kOwnLba);
   copy.otherLba = Le64At(bytes, header::kOtherLba);

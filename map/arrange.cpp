@@ -137,6 +137,17 @@ void Sort(std::vector<Extent>& extents) {
   });
 }
 
+// A volume that is longer than its partition stands behind it all the same.
+void PutVolumesBehindPartitions(std::vector<Extent>& extents) {
+  for (auto volume = extents.begin(); volume != extents.end(); ++volume) {
+    if (volume->kind != ExtentKind::kVolume) continue;
+    const auto end = std::find_if(volume, extents.end(),
+                                  [&](const Extent& extent) { return extent.first != volume->first; });
+    const auto partition = std::find_if(volume, end, IsPartition);
+    if (partition != end) std::rotate(volume, partition, partition + 1);
+  }
+}
+
 void SetDepths(std::vector<Extent>& extents) {
   constexpr std::size_t kDeepest = 8;
   std::vector<u64> ends;  // of the extents around
@@ -156,6 +167,7 @@ void ArrangeExtents(std::vector<Extent>& extents, u64 sectors) {
   std::move(gaps.begin(), gaps.end(), std::back_inserter(extents));
   MarkBeyondEnd(extents, sectors);
   Sort(extents);
+  PutVolumesBehindPartitions(extents);
   SetDepths(extents);
 }
 

@@ -19,7 +19,10 @@ Colour ColourOf(Verdict verdict) {
 // What was found and expected, or why nothing was checked.
 std::string Answer(const Check& check) {
   if (check.verdict == Verdict::kGood) return {};
-  if (check.verdict == Verdict::kNotChecked) return check.expected;
+  if (check.verdict == Verdict::kNotChecked) {
+    const bool both = !check.found.empty() && check.found != "-" && !check.expected.empty();
+    return check.found == "-" ? check.expected : check.found + (both ? "; " : "") + check.expected;
+  }
   std::string answer;
   if (!check.found.empty()) answer = "found " + check.found;
   if (!check.expected.empty()) answer.append(answer.empty() ? "" : ", ").append("expected " + check.expected);
@@ -65,6 +68,14 @@ std::string StructuresLine(const DiskMap& map, const TextStyle& style) {
   return Wrap("", 0, text + ".", style.width);
 }
 
+// What is sound as far as it goes is no healthy disk where nothing stands that could be judged.
+std::string WordsWhereNothingIsWrong(const DiskMap& map) {
+  if (!HasTableOrVolume(map)) return "Nothing can be said: no partition table and no volume was found.";
+  const u64 unknown = UnrecognisedVolumes(map);
+  if (unknown == 0) return "Nothing wrong was found.";
+  return "Nothing wrong was found, but in " + Counted(unknown, "partition") + " no volume was recognised.";
+}
+
 }  // namespace
 
 std::string ChecksForPerson(const DiskMap& map, const TextStyle& style) {
@@ -88,7 +99,7 @@ std::string VerdictInWords(const DiskMap& map) {
   const auto isWrong = [](const auto& each) { return IsWrong(each); };
   const auto checks = std::count_if(map.checks.begin(), map.checks.end(), isWrong);
   const auto extents = std::count_if(map.extents.begin(), map.extents.end(), isWrong);
-  if (map.ExitStatus() == 0) return "Nothing wrong was found.";
+  if (map.ExitStatus() == 0) return WordsWhereNothingIsWrong(map);
   std::string words = "Something is wrong: ";
   if (checks != 0)
     words.append(Counted(static_cast<u64>(checks), "check")).append(checks == 1 ? " is" : " are");

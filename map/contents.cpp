@@ -17,6 +17,8 @@ constexpr std::string_view kLdmMetadata = "5808c8aa-7e8f-42e0-85d2-e1e90434cfb3"
 constexpr std::string_view kLdmData = "af9b60a0-1431-4f62-bc68-3311714a69ad";
 constexpr std::string_view kSpaces = "e75caf8f-f680-4cee-afa3-b001e56efc2d";
 constexpr std::string_view kReplica = "558d43c5-a1ac-43c0-aac8-d1472b2923d1";
+constexpr std::string_view kMicrosoftReserved = "e3c9e316-0b5c-4db8-817d-f92df00215ae";
+constexpr std::string_view kBiosBoot = "21686148-6449-6e6f-744e-656564454649";
 constexpr std::string_view kMbrDynamic = "0x42";
 
 // Contents of further partitions are not looked at: each costs a handful of reads and some memory.
@@ -64,8 +66,9 @@ void AddForeign(DiskMap& map, const VolumePlace& place, ForeignContent content) 
                          .source = "signature at sector " + std::to_string(content.sector)});
 }
 
-// What a backup alone still tells stands last: it outlives the volume that it belonged to.
-void ReadVolume(DiskMap& map, const VolumePlace& place) {
+// False: nothing is recognised. What a backup alone still tells stands last: it outlives the volume that it
+// belonged to.
+bool ReadVolume(DiskMap& map, const VolumePlace& place) {
   const auto boot = ReadSectors(place.sector, 1);
   VolumeKind kind = VolumeKind::kNone;
   if (boot && boot->size() >= 512) kind = KindOfBootSector(SectorView(Bytes(*boot).first<512>()));
@@ -73,12 +76,32 @@ void ReadVolume(DiskMap& map, const VolumePlace& place) {
     AddTocEntry(disk, place.sector, IdentifyBootSector, L"Boot Sector");
   } else if (auto foreign = NameContent(place)) {
     AddForeign(map, place, std::move(*foreign));
-    return;
+    return true;
   } else {
     kind = KindByBackup(place);
   }
-  if (kind == VolumeKind::kNone) return;
+  if (kind == VolumeKind::kNone) return false;
   AddVolume(map, place, ExamineVolume(kind, place));
+  return true;
+}
+
+// Whether the type says that a volume begins there.
+bool PromisesVolume(const Extent& partition) {
+  return partition.typeName != "unknown" && partition.type != kMicrosoftReserved &&
+         partition.type != kBiosBoot;
+}
+
+// It may be a former volume, one that nobody has formatted yet, or one of a kind that the map does not know.
+void SayUnrecognised(DiskMap& map, const Extent& partition) {
+  const auto bytes = ReadSectors(partition.first, 1);
+  const std::string found = !bytes ? "unreadable" : AllZero(*bytes) ? "zeros" : "nothing that is known";
+  map.checks.push_back({partition.first, std::string(kVolumeRecognised), Verdict::kNotChecked, found,
+                        "a volume of the type " + partition.typeName});
+}
+
+bool IsPrivhead(u64 sector) {
+  const auto bytes = ReadSectors(sector, 1);
+  return bytes && EqualsText(SliceAt(*bytes, 0, 8), "PRIVHEAD");
 }
 
 void ReadDynamicDisk(DiskMap& map, u64 privhead, u64 lastOnDisk) {
@@ -171,6 +194,10 @@ void ReadContents(DiskMap& map, PartitionTables& tables, u64 lastOnDisk) {
     ReadVolume(map, {.sector = 0, .sectors = map.disk.sectors, .lastOnDisk = lastOnDisk});
   } else if (tables.mbr.OfType(kTypeDynamicDisk) != nullptr) {
     ReadDynamicDisk(map, kPrivheadOfMbr, lastOnDisk);
+  } else if (tables.mbr.blank && !tables.gptInUse && IsPrivhead(kPrivheadOfMbr)) {
+    tables.checks.push_back({0, "entry of type 0x42", Verdict::kMissing, "zeros: no partition table",
+                             "a dynamic disk, whose header stands in sector 6"});
+    ReadDynamicDisk(map, kPrivheadOfMbr, lastOnDisk);
   }
   for (const Extent& partition : tables.partitions) {
     if (!HoldsSomething(partition, lastOnDisk)) continue;
@@ -190,8 +217,8 @@ void ReadContents(DiskMap& map, PartitionTables& tables, u64 lastOnDisk) {
       VolumeFindings findings = ExamineStorageReplica(place);
       AddAreas(map.extents, findings.areas, "Storage Replica");
       std::move(findings.checks.begin(), findings.checks.end(), std::back_inserter(map.checks));
-    } else {
-      ReadVolume(map, place);
+    } else if (!ReadVolume(map, place) && PromisesVolume(partition)) {
+      SayUnrecognised(map, partition);
     }
   }
   AddDynamicPartitions(map, lastOnDisk, volumes);

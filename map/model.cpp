@@ -48,6 +48,17 @@ bool IsWrong(const Extent& extent) {
   return (extent.flags & kWrongFlags) != 0;
 }
 
+u64 UnrecognisedVolumes(const DiskMap& map) {
+  return static_cast<u64>(std::count_if(map.checks.begin(), map.checks.end(),
+                                        [](const Check& check) { return check.name == kVolumeRecognised; }));
+}
+
+bool HasTableOrVolume(const DiskMap& map) {
+  return std::any_of(map.extents.begin(), map.extents.end(), [](const Extent& extent) {
+    return extent.kind == ExtentKind::kPartition || extent.kind == ExtentKind::kVolume;
+  });
+}
+
 int DiskMap::ExitStatus() const {
   const auto isWrong = [](const auto& each) { return IsWrong(each); };
   const bool wrong = std::any_of(checks.begin(), checks.end(), isWrong) ||

@@ -102,6 +102,13 @@ struct DiskMap {
   int ExitStatus() const;
 };
 
+// Of a partition whose type promises a volume and that begins with none that is known.
+inline constexpr std::string_view kVolumeRecognised = "volume is recognised";
+
+// How many such partitions there are, and whether there is anything at all that the map could judge.
+u64 UnrecognisedVolumes(const DiskMap& map);
+bool HasTableOrVolume(const DiskMap& map);
+
 // One field of a table of a structure's report.
 struct StructureField {
   std::string label;

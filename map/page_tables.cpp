@@ -97,10 +97,18 @@ std::string ExtentRow(const Extent& extent, u32 sectorSize) {
          HtmlCell(HtmlText(extent.source), "source") + HtmlCell(flags, "flags") + "</tr>\n";
 }
 
+std::string VerdictWhereNothingIsWrong(const DiskMap& map) {
+  if (!HasTableOrVolume(map)) return "<p class=\"verdict-pill\">No table, no volume found</p>";
+  const u64 unknown = UnrecognisedVolumes(map);
+  if (unknown == 0) return "<p class=\"verdict-pill good\">Nothing wrong found</p>";
+  return "<p class=\"verdict-pill\"><a href=\"#checks\">Nothing wrong, " + Counted(unknown, "volume") +
+         " not recognised</a></p>";
+}
+
 }  // namespace
 
 std::string VerdictOfPage(const DiskMap& map) {
-  if (map.ExitStatus() == 0) return "<p class=\"verdict-pill good\">Nothing wrong found</p>";
+  if (map.ExitStatus() == 0) return VerdictWhereNothingIsWrong(map);
   const std::size_t bad = CountOf(map, Verdict::kBad);
   const std::size_t missing = CountOf(map, Verdict::kMissing);
   std::string said;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "map/signatures.h"
 #include "map/type_names.h"
 #include "map/volume_kind.h"
 
@@ -125,11 +126,22 @@ void ReadMbrTable(PartitionTables& tables, u64 lastOnDisk) {
   cut(chained.records, " extended boot records the first ");
 }
 
-bool IsBareVolume(const MasterBootRecord& mbr) {
+bool BeginsWith(u64 sector, std::string_view text) {
+  const auto bytes = ReadSectors(sector, 1);
+  return bytes && EqualsText(SliceAt(*bytes, 0, text.size()), text);
+}
+
+// Whether a volume begins in sector 0, where no table says otherwise. What is told by a signature further in
+// is not asked for where a GPT is: there it belongs to a partition.
+bool IsBareVolume(const MasterBootRecord& mbr, u64 lastOnDisk) {
   if (!mbr.readable || (mbr.plausible && !mbr.partitions.empty())) return false;
   const auto sector = ReadSectors(0, 1);
-  return sector && sector->size() >= 512 &&
-         KindOfBootSector(SectorView(Bytes(*sector).first<512>())) != VolumeKind::kNone;
+  if (!sector || sector->size() < 512) return false;
+  if (KindOfBootSector(SectorView(Bytes(*sector).first<512>())) != VolumeKind::kNone) return true;
+  const bool known = lastOnDisk != ~u64{0};
+  if (BeginsWith(1, "EFI PART") || (known && BeginsWith(lastOnDisk, "EFI PART"))) return false;
+  const u64 sectors = known ? lastOnDisk + 1 : 0;
+  return NameContent({.sector = 0, .sectors = sectors, .lastOnDisk = lastOnDisk}).has_value();
 }
 
 }  // namespace
@@ -137,7 +149,7 @@ bool IsBareVolume(const MasterBootRecord& mbr) {
 PartitionTables ReadPartitionTables(u64 lastOnDisk) {
   PartitionTables tables;
   tables.mbr = ReadMasterBootRecord();
-  tables.bareVolume = IsBareVolume(tables.mbr);
+  tables.bareVolume = IsBareVolume(tables.mbr, lastOnDisk);
   if (tables.bareVolume) {
     tables.mbr.partitions.clear();
   } else {

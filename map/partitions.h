@@ -18,7 +18,8 @@ struct PartitionTables {
   bool bareVolume = false;         // sector 0 is a volume's boot sector, and holds no partitions
   std::optional<GptCopy> primary;  // both without their partitions, which are below
   std::optional<GptCopy> backup;
-  bool gptInUse = false;  // a protective entry leads to it; without one it is what an earlier use left
+  // A protective entry leads to it, or the MBR has no partitions; else it is what an earlier use left.
+  bool gptInUse = false;
 
   bool followsPrimary = true;  // which of its copies the map believes
 

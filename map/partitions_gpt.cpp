@@ -77,6 +77,17 @@ void AddOne(PartitionTables& tables, const GptCopy& copy) {
     tables.partitions.push_back(ExtentOf(partition, "GPT " + copy.which));
 }
 
+// The header that the other copy names, where none stands.
+void AddLostHeader(PartitionTables& tables, const GptCopy& lost, const GptCopy& other) {
+  if (lost.present || !other.headerSound || other.otherLba != lost.sector) return;
+  tables.structures.push_back({.first = lost.sector,
+                               .last = lost.sector,
+                               .kind = ExtentKind::kStructure,
+                               .flags = kFlagDamaged,
+                               .typeName = "GPT " + lost.which + " header",
+                               .source = "GPT " + other.which});
+}
+
 // Where a sound primary header says that the backup stands, else in the last sector.
 u64 BackupSector(const GptCopy& primary, u64 lastOnDisk) {
   const bool possible = primary.otherLba > kPrimaryHeader && primary.otherLba <= lastOnDisk;
@@ -113,7 +124,10 @@ void ReadGptTables(PartitionTables& tables, u64 lastOnDisk) {
     if (!backup.present && known && place != lastOnDisk)
       backup = ExamineGptCopy("backup", lastOnDisk, lastOnDisk, checks);
   }
-  tables.gptInUse = tables.mbr.OfType(kTypeProtective) != nullptr;
+  // Where the MBR has no partitions at all, nothing speaks against the GPT.
+  const bool present = primary.present || backup.present;
+  tables.gptInUse = tables.mbr.OfType(kTypeProtective) != nullptr ||
+                    (present && tables.mbr.partitions.empty() && !tables.bareVolume);
   if (!primary.present && !backup.present && !tables.gptInUse) return;
 
   std::move(checks.begin(), checks.end(), std::back_inserter(tables.checks));
@@ -129,13 +143,15 @@ void ReadGptTables(PartitionTables& tables, u64 lastOnDisk) {
                            " GPT the first " + std::to_string(kMostGptPartitions) + " are shown.");
     }
   }
+  AddLostHeader(tables, primary, backup);
+  AddLostHeader(tables, backup, primary);
   const std::size_t before = tables.partitions.size();
   if (primary.arraySectors != 0 && backup.arraySectors != 0) {
     AddBoth(tables, primary, backup);
   } else if (primary.present || backup.present) {
     AddOne(tables, primary.arraySectors != 0 ? primary : backup);
   }
-  if (!tables.gptInUse) {
+  if (!tables.gptInUse || (!primary.Sound() && !backup.Sound())) {
     for (std::size_t i = before; i < tables.partitions.size(); ++i)
       tables.partitions[i].flags |= kFlagUnsound;
   }

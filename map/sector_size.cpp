@@ -31,6 +31,11 @@ u64 StatedSize(VolumeKind kind, SectorView boot) {
   }
 }
 
+std::string SizeAndReason(const OtherSize& other) {
+  const std::string size = std::to_string(other.size);
+  return size + ": " + other.reason + "; PATH@" + size + " opens an image so";
+}
+
 bool IsGptHeader(const std::optional<std::array<u8, 512>>& record) {
   return record && EqualsText(SliceAt(*record, 0, 8), "EFI PART") &&
          Le64At(*record, gpt_header::kOwnLba) == 1;
@@ -85,8 +90,8 @@ void CheckSectorSize(PartitionTables& tables, u64 lastOnDisk) {
   if (!hasGpt) other = SizeByGpt(whole);
   if (!other && !hasGpt && !tables.bareVolume) other = SizeByPartitions(whole, tables.partitions);
   if (!other) return;
-  tables.checks.push_back({0, "sector size", Verdict::kBad, std::to_string(disk.bytesPerSector),
-                           std::to_string(other->size) + ", which has " + other->reason});
+  tables.checks.push_back(
+      {0, "sector size", Verdict::kBad, std::to_string(disk.bytesPerSector), SizeAndReason(*other)});
 }
 
 }  // namespace trovisk

@@ -173,6 +173,21 @@ void AddHeader(Script& script, const DiskMap& map) {
   text.append("sector-size: ").append(std::to_string(map.disk.sectorSize)).append("\n\n");
 }
 
+// What the table that is not written states, as comments.
+void AddOtherTable(Script& script, const DiskMap& map) {
+  bool any = false;
+  for (const Extent& extent : map.extents) {
+    const bool partition = extent.kind == ExtentKind::kPartition || extent.kind == ExtentKind::kLogical;
+    if (!partition || extent.number == 0 || IsOfGpt(extent) == script.gpt || extent.type == "0xee") continue;
+    if (!any)
+      script.text.append(script.gpt
+                             ? "\n# the MBR states too:\n"
+                             : "\n# a GPT on this disk, which no entry of the MBR leads to, states:\n");
+    any = true;
+    script.text.append("# ").append(Line(extent)).append("\n");
+  }
+}
+
 }  // namespace
 
 std::string MapAsSfdisk(const DiskMap& map) {
@@ -189,8 +204,13 @@ std::string MapAsSfdisk(const DiskMap& map) {
   }
   std::stable_sort(partitions.begin(), partitions.end(),
                    [](const Extent* a, const Extent* b) { return a->number < b->number; });
+  if (std::any_of(partitions.begin(), partitions.end(),
+                  [](const Extent* extent) { return (extent->flags & kFlagUnsound) != 0; })) {
+    script.text.append("# no copy of this table has the checksums that it should have\n");
+  }
   for (const Extent* extent : partitions)
     script.Add(*extent);
+  AddOtherTable(script, map);
   return script.text;
 }
 

@@ -197,13 +197,9 @@ class Walk {
     const bool otherReading = reader.decoder == DecodeExtendedBootRecord && !extendedRecords_.At(first);
     if (otherReading || judged_.contains(first) || ++invalidChecks_ > kMostInvalid) return;
     const auto bytes = outcome.decoded ? ReadSectors(first, 1) : std::nullopt;
-    const bool blank = bytes && AllZero(*bytes);
+    if (kind.volume && bytes && AllZero(*bytes)) return;  // "volume is recognised" says it
     Check check{first, "structure is valid", bytes ? Verdict::kBad : Verdict::kMissing, outcome.message,
                 ToNarrow(reader.title)};
-    if (kind.volume && blank) {
-      check.verdict = Verdict::kNotChecked;
-      check.found = "zeros: not formatted";
-    }
     checks_.push_back(std::move(check));
   }
 

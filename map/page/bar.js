@@ -37,7 +37,7 @@ function label(text, x, y, width, name) {
 // What stands in an extent, for the eye alone. It starts where the extent starts to be visible.
 function drawLabels(extent, x, top, width, height, size) {
   if (height < 14) return null;
-  const heading = extent.kind === "gap" ? "free" : extent.name || titleOf(extent);
+  const heading = extent.kind === "gap" ? "unclaimed" : extent.name || titleOf(extent);
   const ink = `ink-${extent.category}`;
   const labels = [label(heading, x, top + (height >= 36 ? 20 : height / 2 + 4.5), width, `label ${ink}`)];
   if (height >= 36) {

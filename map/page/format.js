@@ -6,16 +6,21 @@ export function big(number) {
   return number === null || number === undefined ? null : BigInt(number);
 }
 
-// A size in binary units, rounded down to one decimal: 1.0 TiB is never less than that.
+// In tenths of a unit.
+function rounded(bytes, scale) {
+  return (bytes * 10n + scale / 2n) / scale;
+}
+
+// A size in binary units, rounded to one decimal, as the table on a terminal has it.
 export function sizeText(bytes) {
   let unit = 0;
   let scale = 1n;
-  while (unit + 1 < UNITS.length && bytes >= scale * 1024n) {
+  while (unit + 1 < UNITS.length && rounded(bytes, scale) >= 10240n) {
     scale *= 1024n;
     unit += 1;
   }
   if (unit === 0) return bytes === 1n ? "1 byte" : `${bytes} bytes`;
-  const tenths = (bytes * 10n) / scale;
+  const tenths = rounded(bytes, scale);
   return tenths % 10n === 0n ? `${tenths / 10n} ${UNITS[unit]}` : `${tenths / 10n}.${tenths % 10n} ${UNITS[unit]}`;
 }
 

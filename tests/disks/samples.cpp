@@ -118,6 +118,19 @@ void PutStorageReplica(Disk& disk, u64 first, u64 last) {
   }
 }
 
+// The superblock of an ext4 volume of blocks of 4096 bytes, as far as it names the volume.
+void PutExt4Superblock(Disk& disk, u64 sector, u64 sectors) {
+  constexpr u64 kOffset = 1024;  // bytes from the volume's start
+  const u64 at = kOffset % disk.SectorSize();
+  disk.At(sector + kOffset / disk.SectorSize())
+      .Le32(at + 0x04, sectors * disk.SectorSize() / 4096)
+      .Le32(at + 0x18, 2)  // blocks of 1024 << 2 bytes
+      .Le16(at + 0x38, 0xEF53)
+      .Le32(at + 0x4C, 1)     // dynamic revision
+      .Le32(at + 0x60, 0x40)  // extents
+      .Text(at + 0x78, "SAMPLE-EXT");
+}
+
 }  // namespace
 
 Disk GptSample(u32 sectorSize) {
@@ -142,6 +155,7 @@ Disk GptSample(u32 sectorSize) {
                         .logicalSize = 2 * kMiB});
   PutStorageSpaces(disk, 58 * kMiB);
   PutStorageReplica(disk, 59 * kMiB, 59 * kMiB + 7);
+  PutExt4Superblock(disk, 60 * kMiB, kMiB);
   PutGpt(
       disk,
       {{.type = kEfiSystemType,

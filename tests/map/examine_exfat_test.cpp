@@ -145,7 +145,7 @@ TEST(ExamineExFat, DamagedBootSectorIsReplacedByItsBackup) {
   const VolumeFindings findings = ExaminedExFat(disk);
   EXPECT_EQ(findings.sectors, kPartition);
   EXPECT_EQ(findings.areas.size(), 4);
-  EXPECT_EQ(Judged(findings, "exFAT boot sector"), "sector 2048 bad: the name '', whole");
+  EXPECT_EQ(Judged(findings, "exFAT boot sector"), "sector 2048 missing: zeros, whole");
   EXPECT_EQ(Judged(findings, "exFAT backup boot sector"), "sector 2060 good: whole, whole");
   EXPECT_EQ(NotGood(findings), "exFAT boot sector\nexFAT boot checksum\n");
 }

@@ -207,7 +207,7 @@ TEST(ExamineFat, DamagedBootSectorIsReplacedByItsBackup) {
   const VolumeFindings findings = Examined32(disk);
   EXPECT_EQ(findings.label, "SPARE");
   EXPECT_EQ(findings.sectors, kFat32Sectors);
-  EXPECT_EQ(Judged(findings, "FAT boot sector"), "sector 63 bad: 0 bytes per sector, whole");
+  EXPECT_EQ(Judged(findings, "FAT boot sector"), "sector 63 missing: zeros, whole");
   EXPECT_EQ(Judged(findings, "FAT32 backup boot sector"), "sector 69 good: whole, whole");
   EXPECT_EQ(findings.areas.size(), 6);
   EXPECT_EQ(NotGood(findings), "FAT boot sector\n");

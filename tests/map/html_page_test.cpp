@@ -133,7 +133,11 @@ TEST(HtmlPage, ReportEndsBeforeItsDumpAndBytesBeforeTheirZeros) {
 
 TEST(HtmlPage, VerdictSaysWhatIsWrong) {
   DiskMap map;
+  EXPECT_NE(Page(map).find("<p class=\"verdict-pill\">No table, no volume found</p>"), std::string::npos);
+  map.extents = {{.first = 1, .last = 9, .kind = ExtentKind::kPartition}};
   EXPECT_NE(Page(map).find("<p class=\"verdict-pill good\">Nothing wrong found</p>"), std::string::npos);
+  map.checks = {{1, std::string(kVolumeRecognised), Verdict::kNotChecked, "zeros", "a volume"}};
+  EXPECT_NE(Page(map).find("Nothing wrong, 1 volume not recognised"), std::string::npos);
   map.checks = {{1, "a", Verdict::kBad, "", ""},
                 {2, "b", Verdict::kMissing, "", ""},
                 {3, "c", Verdict::kMissing, "", ""}};

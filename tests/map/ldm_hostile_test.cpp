@@ -130,8 +130,8 @@ TEST(HostileLdm, PrivheadWithTheLargestNumbersIsBad) {
 
 TEST(HostileLdm, RegionsWithTheLargestNumbersAreBad) {
   Disk disk = MakeGroupDisk({.records = FiveVolumes(), .counts = kFiveVolumesCounts});
-  for (const u64 place : {2, 2045}) {
-    for (const std::size_t field : {46, 54, 80, 88})
+  for (const u64 place : {u64{2}, u64{2045}}) {
+    for (const std::size_t field : {46U, 54U, 80U, 88U})
       disk.At(kConfig + place).Be64(field, kMost);
   }
   const Examined examined = ExamineLdm(disk);

@@ -111,6 +111,32 @@ TEST(SfdiskScript, HybridDiskIsRebuiltAsGpt) {
   map.extents = {MbrPartition(1, 1, 33, "0xee"), MbrPartition(2, 2048, 4095), GptPartition(1, 2048, 4095)};
   EXPECT_EQ(Lines(map),
             "disk1 : start=2048, size=2048, type=0fc63daf-8483-4772-8e79-3d69d8477de4, "
+            "uuid=a0b1c2d3-e4f5-4607-8819-2a3b4c5d6e7f\n"
+            "\n"
+            "# the MBR states too:\n"
+            "# disk2 : start=2048, size=2048, type=07\n");
+}
+
+TEST(SfdiskScript, TableWithoutRightChecksumsSaysSo) {
+  DiskMap map = GptDisk();
+  map.extents = {GptPartition(1, 2048, 4095)};
+  map.extents[0].flags = kFlagUnsound;
+  EXPECT_EQ(Lines(map),
+            "# no copy of this table has the checksums that it should have\n"
+            "disk1 : start=2048, size=2048, type=0fc63daf-8483-4772-8e79-3d69d8477de4, "
+            "uuid=a0b1c2d3-e4f5-4607-8819-2a3b4c5d6e7f\n");
+}
+
+TEST(SfdiskScript, GptThatTheMbrDoesNotLeadToIsAComment) {
+  DiskMap map;
+  map.disk.scheme = "MBR";
+  map.disk.sectorSize = 512;
+  map.extents = {MbrPartition(1, 63, 100), GptPartition(1, 2048, 4095)};
+  EXPECT_EQ(Lines(map),
+            "disk1 : start=63, size=38, type=07\n"
+            "\n"
+            "# a GPT on this disk, which no entry of the MBR leads to, states:\n"
+            "# disk1 : start=2048, size=2048, type=0fc63daf-8483-4772-8e79-3d69d8477de4, "
             "uuid=a0b1c2d3-e4f5-4607-8819-2a3b4c5d6e7f\n");
 }
 

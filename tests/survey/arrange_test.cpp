@@ -214,5 +214,14 @@ TEST(Arrange, TheComplaintNamesEachInvariant) {
   EXPECT_EQ(ComplaintAbout({Partition(0, 4), Partition(5, 3)}, 10), "reversed at 5");
 }
 
+TEST(Arrange, AVolumeLongerThanItsPartitionStandsBehindIt) {
+  std::vector<Extent> extents = {{.first = 63, .last = 120, .kind = ExtentKind::kVolume},
+                                 {.first = 63, .last = 100, .kind = ExtentKind::kPartition}};
+  ArrangeExtents(extents, 200);
+  ASSERT_EQ(extents.size(), 4u);
+  EXPECT_EQ(extents[1].kind, ExtentKind::kPartition);
+  EXPECT_EQ(extents[2].kind, ExtentKind::kVolume);
+}
+
 }  // namespace
 }  // namespace trovisk::test

@@ -45,22 +45,25 @@ std::string Expected(const Disk& disk) {
 TEST(SectorSize, AGptHeaderOfOtherSectors) {
   Disk large(8192, 4096);
   PutGpt(large, {{.first = 100, .last = 199}});
-  EXPECT_EQ(Expected(InSectorsOf(512, large)), "4096, which has a GPT header at byte 4096");
+  EXPECT_EQ(Expected(InSectorsOf(512, large)),
+            "4096: a GPT header at byte 4096; PATH@4096 opens an image so");
   Disk small(8192, 512);
   PutGpt(small, {{.first = 100, .last = 199}});
-  EXPECT_EQ(Expected(InSectorsOf(4096, small)), "512, which has a GPT header at byte 512");
+  EXPECT_EQ(Expected(InSectorsOf(4096, small)), "512: a GPT header at byte 512; PATH@512 opens an image so");
 }
 
 TEST(SectorSize, AVolumeOfOtherSectorsWhereItsPartitionWouldBegin) {
   Disk ntfs = WithPartition(4096, 0x07);
   PutNtfsBootSector(ntfs, kFirst, {.bytesPerSector = 4096, .totalSectors = 999});
-  EXPECT_EQ(Expected(InSectorsOf(512, ntfs)), "4096, which has a boot sector at byte 262144");
+  EXPECT_EQ(Expected(InSectorsOf(512, ntfs)),
+            "4096: a boot sector at byte 262144; PATH@4096 opens an image so");
   Disk exFat = WithPartition(4096, 0x07);
   PutExFatBootSector(exFat, kFirst, {.sectorShift = 12});
-  EXPECT_EQ(Expected(InSectorsOf(512, exFat)), "4096, which has a boot sector at byte 262144");
+  EXPECT_EQ(Expected(InSectorsOf(512, exFat)),
+            "4096: a boot sector at byte 262144; PATH@4096 opens an image so");
   Disk fat = WithPartition(512, 0x06);
   PutFatBootSector(fat, kFirst, {});
-  EXPECT_EQ(Expected(InSectorsOf(4096, fat)), "512, which has a boot sector at byte 32768");
+  EXPECT_EQ(Expected(InSectorsOf(4096, fat)), "512: a boot sector at byte 32768; PATH@512 opens an image so");
 }
 
 TEST(SectorSize, IsNotDoubtedWhereTheTablesFitTheDisk) {
@@ -87,7 +90,7 @@ TEST(SectorSize, OneVolumeInItsPlaceSettlesIt) {
                 {.entries = {{.type = 0x07, .first = 64, .count = 1000},
                              {.type = 0x06, .first = 2048, .count = 4113}}});
   PutNtfsBootSector(disk, 8 * 64, {.bytesPerSector = 4096, .totalSectors = 999});
-  EXPECT_EQ(Expected(disk), "4096, which has a boot sector at byte 262144");
+  EXPECT_EQ(Expected(disk), "4096: a boot sector at byte 262144; PATH@4096 opens an image so");
   PutFatBootSector(disk, 2048, {});
   EXPECT_EQ(Expected(disk), "no check");
 }

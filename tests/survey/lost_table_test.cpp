@@ -1,0 +1,120 @@
+// Disks whose table is gone, is contradicted, or was never there.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "map/text_map.h"
+#include "tests/disks/bitlocker.h"
+#include "tests/disks/gpt.h"
+#include "tests/disks/ldm_group.h"
+#include "tests/disks/mbr.h"
+#include "tests/disks/ntfs.h"
+#include "tests/survey/surveyed.h"
+
+namespace trovisk::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+void Zero(Disk& disk, u64 sector) {
+  disk.At(sector).Fill(0, disk.SectorSize(), 0);
+}
+
+Disk OnePartition(const Guid& type) {
+  Disk disk;
+  PutGpt(disk, {{.type = type, .first = 100, .last = 199}});
+  return disk;
+}
+
+bool HasFlag(const DiskMap& map, u64 first, ExtentFlag flag) {
+  return std::any_of(map.extents.begin(), map.extents.end(), [&](const Extent& extent) {
+    return extent.first == first && (extent.flags & flag) != 0;
+  });
+}
+
+TEST(LostTable, AGptBehindAnEmptyMbrIsTheDisksTable) {
+  Disk disk = OnePartition(kBasicDataType);
+  Zero(disk, 0);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(map.disk.scheme, "GPT");
+  EXPECT_EQ(map.disk.id, "9abcdef0-1234-5678-9abc-def012345678");
+  EXPECT_EQ(PartitionsOf(map), Lines{"100-199 GPT entry 1"});
+  EXPECT_EQ(VerdictOf(map, "protective entry covers the disk"), "missing");
+}
+
+TEST(LostTable, AGptBesideMbrPartitionsIsWhatAnEarlierUseLeft) {
+  Disk disk = OnePartition(kBasicDataType);
+  Zero(disk, 0);
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 63, .count = 1000}}});
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(map.disk.scheme, "MBR");
+  EXPECT_TRUE(HasFlag(map, 100, kFlagUnsound));
+}
+
+// One byte of the entry's first sector, in both copies alike.
+TEST(LostTable, PartitionsOfTwoWrongArraysAreUnsound) {
+  Disk disk = OnePartition(kBasicDataType);
+  disk.At(2).U8(32, 101);
+  disk.At(4095 - 32).U8(32, 101);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(VerdictOf(map, "GPT primary partition entry array CRC-32"), "bad");
+  EXPECT_EQ(VerdictOf(map, "GPT backup partition entry array CRC-32"), "bad");
+  EXPECT_TRUE(HasFlag(map, 101, kFlagUnsound));
+  EXPECT_FALSE(HasFlag(SurveyOf(OnePartition(kBasicDataType)), 100, kFlagUnsound));
+}
+
+TEST(LostTable, TheHeaderThatTheOtherNamesIsDamagedWhereNoneStands) {
+  for (const u64 sector : {u64{1}, u64{4095}}) {
+    Disk disk = OnePartition(kBasicDataType);
+    Zero(disk, sector);
+    EXPECT_TRUE(HasFlag(SurveyOf(disk), sector, kFlagDamaged)) << sector;
+  }
+}
+
+TEST(LostTable, ADynamicDiskIsFoundByItsHeader) {
+  Disk disk = MakeGroupDisk({.records = FiveVolumes(), .counts = kFiveVolumesCounts});
+  Zero(disk, 0);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(VerdictOf(map, "entry of type 0x42"), "missing");
+  ASSERT_TRUE(map.dynamicDisk.has_value());
+  EXPECT_EQ(map.dynamicDisk->volumes.size(), 5u);
+}
+
+TEST(LostTable, AVolumeWithoutATableIsNamedByItsSignature) {
+  Disk disk;
+  disk.At(0).Text(0, "LUKS\xBA\xBE").Be16(6, 2);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(ExtentsOf(map, ExtentKind::kVolume).size(), 1u);
+  EXPECT_EQ(WrongChecks(map), Lines{});
+  EXPECT_EQ(VerdictInWords(map), "Nothing wrong was found.");
+}
+
+TEST(LostTable, OfADiskOfZerosNothingIsSaid) {
+  const DiskMap map = SurveyOf(Disk());
+  EXPECT_EQ(map.ExitStatus(), 0);
+  EXPECT_EQ(VerdictInWords(map), "Nothing can be said: no partition table and no volume was found.");
+}
+
+TEST(UnrecognisedVolume, IsSaidOfAPartitionWhoseTypePromisesOne) {
+  Disk disk = OnePartition(kBasicDataType);
+  DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(VerdictOf(map, "volume is recognised", 100), "not checked");
+  EXPECT_EQ(CheckOf(map, "volume is recognised")->found, "zeros");
+  EXPECT_EQ(map.ExitStatus(), 0);
+  EXPECT_EQ(VerdictInWords(map), "Nothing wrong was found, but in 1 partition no volume was recognised.");
+  disk.At(100).Text(0, "something else");
+  EXPECT_EQ(CheckOf(SurveyOf(disk), "volume is recognised")->found, "nothing that is known");
+  PutNtfsBootSector(disk, 100, {.totalSectors = 99});
+  EXPECT_EQ(VerdictOf(SurveyOf(disk), "volume is recognised"), "none");
+}
+
+TEST(UnrecognisedVolume, IsNotSaidOfWhatHoldsNone) {
+  EXPECT_EQ(
+      VerdictOf(SurveyOf(OnePartition(Guid("E3C9E316-0B5C-4DB8-817D-F92DF00215AE"))), "volume is recognised"),
+      "none");
+  EXPECT_EQ(VerdictOf(SurveyOf(OnePartition(kUnlistedType)), "volume is recognised"), "not checked");
+}
+
+}  // namespace
+}  // namespace trovisk::test
