@@ -1,0 +1,66 @@
+// The survey in place of the report: its map, and every form in which that is shown.
+
+#include <cstdio>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+
+#include "map/arrange.h"
+#include "map/html_page.h"
+#include "map/json_map.h"
+#include "map/sfdisk.h"
+#include "map/survey.h"
+#include "map/text_map.h"
+#include "tests/fuzz/fuzz_run.h"
+#include "tests/fuzz/input.h"
+#include "tests/support/terminal.h"
+
+namespace trovisk::test {
+namespace {
+
+// What one structure takes of a document, its text and its bytes with it, and more than one has of fields.
+constexpr std::size_t kPerSector = std::size_t{256} * 1024;
+constexpr std::size_t kBeyondTheDisk = std::size_t{4} * 1024 * 1024;
+
+void Require(bool condition, const std::string& promise) {
+  if (condition) return;
+  std::fprintf(stderr, "broken promise: %s\n", promise.c_str());
+  std::abort();
+}
+
+void RequireSafe(const std::string& text, const char* form) {
+  Require(ControlCharacter(text) == kNone, std::string("no control character in ") + form);
+}
+
+void ShowTexts(const DiskMap& map) {
+  RequireSafe(MapAsText(map, {}), "the records");
+  for (const std::size_t width : {20U, 80U, 1000U})
+    RequireSafe(MapAsText(map, {.forPerson = true, .width = width, .all = width != 80}), "the table");
+  RequireSafe(MapAsSfdisk(map), "the script");
+}
+
+void ShowDocument(const DiskMap& map, std::size_t most) {
+  std::string document;
+  WriteMapAsJson(map, VisitStructures, [&](std::string_view piece) { document += piece; });
+  Require(document.size() <= most, "the document is bounded by the disk");
+  Require(nlohmann::json::accept(document), "the document is JSON");
+  std::size_t page = 0;
+  WriteMapAsPage(map, VisitStructures, [&](std::string_view piece) { page += piece.size(); });
+  Require(page <= 8 * most, "the page is bounded by the disk");
+}
+
+}  // namespace
+
+void FuzzRun(Bytes bytes) {
+  const Input input = ParseInput(bytes);
+  InsertDisk(input.memory);
+  const auto map = SurveyDisk("mem");
+  if (!map) return;
+  const std::string complaint = ComplaintAbout(map->extents, map->disk.sectors);
+  Require(complaint.empty(), "the extents are in order: " + complaint);
+  Require(map->ExitStatus() == 0 || map->ExitStatus() == 2, "the status is 0 or 2");
+  ShowTexts(*map);
+  ShowDocument(*map, (input.memory.disk.Sectors() + 16) * kPerSector + kBeyondTheDisk);
+  CloseSurvey();
+}
+
+}  // namespace trovisk::test
