@@ -110,8 +110,8 @@ void PrintPadded(u64 value, std::size_t width) {
   std::array<char, kNumberText> digits;
   const char* const end = PutNumber(digits.data(), value, Settings());
   const auto count = static_cast<std::size_t>(end - digits.data());
-  for (std::size_t i = count; i < width; ++i)
-    report << '0';
+  constexpr std::string_view kZeros = "0000000000000000";
+  if (count < width) report << kZeros.substr(0, width - count);
   report << std::string_view(digits.data(), count);
 }
 
