@@ -47,7 +47,7 @@ std::vector<Case> Samples() {
 std::vector<Case> FuzzerSeeds() {
   std::vector<Case> cases;
   for (const Seed& seed : Seeds())
-    cases.push_back({seed.name, seed.input.memory, seed.input.Arguments()});
+    cases.push_back({seed.name, seed.memory, seed.command.Arguments()});
   // A report that cannot be written ends the process.
   std::erase_if(cases, [](const Case& each) {
     const auto& faults = each.memory.faults;

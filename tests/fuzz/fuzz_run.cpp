@@ -17,21 +17,24 @@ void Require(bool condition, const char* promise) {
 
 // A generous bound that no report can pass unless something is counted by a number on the disk: a listing of
 // every sector and its report, twice, a row of the table of contents for each, and what lies beyond the disk.
-std::size_t LongestReport(const Disk& disk) {
-  constexpr std::size_t kPerSector = std::size_t{16} * 1024;
-  constexpr std::size_t kBeyondTheDisk = std::size_t{1024} * 1024;
-  return (disk.Sectors() + 16) * (kPerSector + u64{10} * disk.SectorSize()) + kBeyondTheDisk;
+u64 LongestReport(const FuzzDisk& disk) {
+  constexpr u64 kPerSector = u64{16} * 1024;
+  constexpr u64 kBeyondTheDisk = u64{1024} * 1024;
+  return (disk.sectors + 16) * (kPerSector + u64{10} * disk.sectorSize) + kBeyondTheDisk;
 }
 
 }  // namespace
 
-void FuzzRun(Bytes bytes) {
-  const Input input = ParseInput(bytes);
-  const MemoryOutcome outcome = RunInProcess(input.memory, input.Arguments());
-  Require(outcome.status == 0 || outcome.status == 1, "the status is 0 or 1");
-  Require(outcome.out.size() <= LongestReport(input.memory.disk), "the report is bounded by the disk");
-  if (!input.memory.terminal) return;
-  Require(ControlCharacter(WithoutRawBytes(outcome.out)) == kNone, "no control character on a terminal");
+void FuzzRun(Bytes bytes, Effort /*effort*/) {
+  static Input input;
+  ParseInput(bytes, input);
+  const int status = RunOn(input.disk, input.command.Arguments());
+  Require(status == 0 || status == 1, "the status is 0 or 1");
+  const Printed& printed = PrintedSinceInsertion();
+  Require(printed.reportBytes <= LongestReport(input.disk), "the report is bounded by the disk");
+  Require(ControlCharacter(printed.errors) == kNone, "no control character in error lines");
+  if (!input.disk.terminal) return;
+  Require(ControlCharacter(WithoutRawBytes(printed.shown)) == kNone, "no control character on a terminal");
 }
 
 }  // namespace trovisk::test

@@ -41,7 +41,7 @@ void PutLe16(std::vector<u8>& bytes, u64 value) {
 
 }  // namespace
 
-std::vector<std::string> Input::Arguments() const {
+std::vector<std::string> Command::Arguments() const {
   switch (mode) {
     case Mode::kSingleSector:
       return {"mem", std::to_string(first)};
@@ -55,56 +55,44 @@ std::vector<std::string> Input::Arguments() const {
   return {"mem"};
 }
 
-std::vector<InputRecord> RecordsOf(Bytes bytes) {
-  std::vector<InputRecord> records;
-  std::size_t at = kInputHeader;
-  while (at + kRecordHeader <= bytes.size()) {
-    at += kRecordHeader;
-    const std::size_t size = std::min<std::size_t>(Le16At(bytes, at - 2), bytes.size() - at);
-    records.push_back({at, size});
-    at += size;
-  }
-  return records;
-}
-
-Input ParseInput(Bytes bytes) {
-  Input input;
-  const u64 sectors = Le16At(bytes, 6) % (kMostSectors + 1);
-  input.memory.disk = Disk(sectors, kSectorSizes[U8At(bytes, 0) % std::size(kSectorSizes)]);
-  input.mode = static_cast<Mode>(U8At(bytes, 1) % kModes);
-  input.memory.terminal = U8At(bytes, 1) / kModes % 2 != 0;
+void ParseInput(Bytes bytes, Input& input) {
+  FuzzDisk& disk = input.disk;
+  disk.sectors = Le16At(bytes, 6) % (kMostSectors + 1);
+  disk.sectorSize = kSectorSizes[U8At(bytes, 0) % std::size(kSectorSizes)];
+  disk.terminal = U8At(bytes, 1) / kModes % 2 != 0;
   // One beyond the last is refused.
-  input.first = Le16At(bytes, 2) % (kMostSectors + 1);
-  input.last = Le16At(bytes, 4) % (kMostSectors + 1);
-  Fault fault = kFaults[U8At(bytes, 8) % std::size(kFaults)];
-  if (fault.calls != 0) {
-    fault.calls = u64{U8At(bytes, 9)} + 1;
-    fault.nth = u64{Le16At(bytes, 10)} + 1;
-    input.memory.faults.push_back(fault);
+  input.command = {.mode = static_cast<Mode>(U8At(bytes, 1) % kModes),
+                   .first = Le16At(bytes, 2) % (kMostSectors + 1),
+                   .last = Le16At(bytes, 4) % (kMostSectors + 1)};
+  disk.fault = kFaults[U8At(bytes, 8) % std::size(kFaults)];
+  if (disk.fault.calls != 0) {
+    disk.fault.calls = u64{U8At(bytes, 9)} + 1;
+    disk.fault.nth = u64{Le16At(bytes, 10)} + 1;
   }
-  for (const InputRecord& record : RecordsOf(bytes)) {
-    const u64 sector = Le16At(bytes, record.data - 6) % kMostSectors;
-    const std::size_t offset = Le16At(bytes, record.data - 4);
-    Sector& there = input.memory.disk.At(sector);
-    const Bytes data = SliceAt(bytes, record.data, record.size);
-    if (offset < there.View().size()) there.Bytes(offset, SliceAt(data, 0, there.View().size() - offset));
+  disk.stretches.clear();
+  for (auto record = RecordAt(bytes, kInputHeader); record;
+       record = RecordAt(bytes, record->data + record->size)) {
+    const u64 sector = Le16At(bytes, record->data - 6) % kMostSectors;
+    const u64 offset = Le16At(bytes, record->data - 4);
+    if (offset >= disk.sectorSize) continue;
+    const std::size_t size = std::min<std::size_t>(record->size, disk.sectorSize - offset);
+    disk.stretches.push_back({sector * disk.sectorSize + offset, SliceAt(bytes, record->data, size)});
   }
-  return input;
 }
 
-std::vector<u8> WriteInput(const Input& input) {
-  const Disk& disk = input.memory.disk;
+std::vector<u8> WriteInput(const MemoryDisk& memory, const Command& command) {
+  const Disk& disk = memory.disk;
   std::vector<u8> bytes;
   bytes.push_back(
       static_cast<u8>(IndexIn(kSectorSizes, [&](u32 size) { return size == disk.SectorSize(); })));
-  bytes.push_back(static_cast<u8>(static_cast<unsigned>(input.mode) + (input.memory.terminal ? kModes : 0)));
-  PutLe16(bytes, input.first);
-  PutLe16(bytes, input.last);
+  bytes.push_back(static_cast<u8>(static_cast<unsigned>(command.mode) + (memory.terminal ? kModes : 0)));
+  PutLe16(bytes, command.first);
+  PutLe16(bytes, command.last);
   PutLe16(bytes, disk.Sectors());
   Fault fault = {.calls = 1};
   std::size_t kind = 0;
-  if (!input.memory.faults.empty()) {
-    fault = input.memory.faults.front();
+  if (!memory.faults.empty()) {
+    fault = memory.faults.front();
     kind = IndexIn(kFaults, [&](const Fault& each) { return each.calls != 0 && SameKind(each, fault); });
   }
   bytes.push_back(static_cast<u8>(kind));

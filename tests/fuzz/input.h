@@ -22,9 +22,12 @@
 #ifndef TROVISK_TESTS_FUZZ_INPUT_H
 #define TROVISK_TESTS_FUZZ_INPUT_H
 
+#include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "tests/fuzz/fuzz_device.h"
 #include "tests/support/memory_device.h"
 
 namespace trovisk::test {
@@ -35,8 +38,8 @@ inline constexpr std::size_t kRecordHeader = 6;
 enum class Mode { kWholeDisk, kSingleSector, kRange, kSingleWithNegativeLast };
 inline constexpr unsigned kModes = 4;
 
-struct Input {
-  MemoryDisk memory;
+// What a run is asked for. The sectors are those of its mode.
+struct Command {
   Mode mode = Mode::kWholeDisk;
   u64 first = 0;
   u64 last = 0;
@@ -44,21 +47,34 @@ struct Input {
   std::vector<std::string> Arguments() const;
 };
 
-Input ParseInput(Bytes bytes);
+// An input as it is run: a view of its bytes.
+struct Input {
+  FuzzDisk disk;
+  Command command;
+};
 
-// The bytes that parse to this input. The disk is at most kMostSectors long and has a sector size of the
-// list; of the faults there is at most one, of the list.
-std::vector<u8> WriteInput(const Input& input);
+// input: receives what the bytes say; of what it holds the room is used again.
+void ParseInput(Bytes bytes, Input& input);
+
+// The bytes that parse to this disk and command. The disk is at most kMostSectors long and has a sector size
+// of the list; of the faults there is at most one, of the list.
+std::vector<u8> WriteInput(const MemoryDisk& memory, const Command& command);
 
 // A disk of the fuzzer is small, so that every run is short: whatever it holds is walked to its end.
-inline constexpr u64 kMostSectors = 2048;
+inline constexpr u64 kMostSectors = 200;
 
-// Where the records of an input begin, and how many bytes each says that follow.
+// A record of an input: where it begins, and how many bytes follow its header.
 struct InputRecord {
   std::size_t data = 0;  // the first byte behind its header
   std::size_t size = 0;  // as far as the input has them
 };
-std::vector<InputRecord> RecordsOf(Bytes bytes);
+
+// The record at or behind a position; none where the input ends before it.
+inline std::optional<InputRecord> RecordAt(Bytes bytes, std::size_t position) {
+  position += kRecordHeader;
+  if (position > bytes.size()) return std::nullopt;
+  return InputRecord{position, std::min<std::size_t>(Le16At(bytes, position - 2), bytes.size() - position)};
+}
 
 }  // namespace trovisk::test
 

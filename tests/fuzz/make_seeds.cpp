@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   for (const auto& seed : trovisk::test::Seeds()) {
-    const auto bytes = trovisk::test::WriteInput(seed.input);
+    const auto bytes = seed.Bytes();
     std::ofstream file(std::string(argv[1]) + "/" + seed.name, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (!file.flush()) {

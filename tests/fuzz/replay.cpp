@@ -18,7 +18,7 @@ namespace {
 int ReplaySeeds() {
   const auto seeds = trovisk::test::Seeds();
   for (const auto& seed : seeds)
-    trovisk::test::FuzzRun(trovisk::test::WriteInput(seed.input));
+    trovisk::test::FuzzRun(seed.Bytes(), trovisk::test::Effort::kEverything);
   std::printf("%zu seeds\n", seeds.size());
   return 0;
 }
@@ -27,7 +27,7 @@ void Replay(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::vector<char> text{std::istreambuf_iterator<char>(file), {}};
   const std::vector<trovisk::u8> bytes(text.begin(), text.end());
-  trovisk::test::FuzzRun(bytes);
+  trovisk::test::FuzzRun(bytes, trovisk::test::Effort::kEverything);
 }
 
 }  // namespace

@@ -15,23 +15,18 @@ const Seed& Named(const std::vector<Seed>& seeds, const std::string& name) {
 // The same disks in the other run modes.
 void AddModes(std::vector<Seed>& seeds) {
   for (const char* name : {"gpt-all", "mbr-extended", "ldm-mbr", "ntfs-neither", "fat16-win41"}) {
-    const Input whole = Named(seeds, name).input;
+    const MemoryDisk memory = Named(seeds, name).memory;
     const std::string stem = std::string(name) + "-mode";
     for (const Mode mode : {Mode::kSingleSector, Mode::kRange, Mode::kSingleWithNegativeLast}) {
-      Input input = whole;
-      input.mode = mode;
-      input.first = mode == Mode::kSingleSector ? 1 : 0;
-      input.last = 80;
-      seeds.push_back({stem + std::to_string(static_cast<int>(mode)), input});
+      const Command command{.mode = mode, .first = mode == Mode::kSingleSector ? 1U : 0U, .last = 80};
+      seeds.push_back({stem + std::to_string(static_cast<int>(mode)), memory, command});
     }
-    Input terminal = whole;
-    terminal.memory.terminal = true;
+    MemoryDisk terminal = memory;
+    terminal.terminal = true;
     seeds.push_back({stem + "-terminal", terminal});
   }
-  Input beyond = Named(seeds, "gpt-all").input;
-  beyond.mode = Mode::kSingleSector;
-  beyond.first = beyond.memory.disk.Sectors();
-  seeds.push_back({"gpt-all-beyond", beyond});
+  const MemoryDisk beyond = Named(seeds, "gpt-all").memory;
+  seeds.push_back({"gpt-all-beyond", beyond, {.mode = Mode::kSingleSector, .first = beyond.disk.Sectors()}});
 }
 
 // Every kind of fault, at every early call. On the Storage Spaces disk the last structure is the 40th.
@@ -42,11 +37,11 @@ void AddFaults(std::vector<Seed>& seeds) {
   };
   for (const Early& early :
        {Early{"gpt-all", 12}, Early{"mbr-extended", 24}, Early{"ldm-mbr", 24}, Early{"spaces", 44}}) {
-    const Input whole = Named(seeds, early.name).input;
+    const MemoryDisk whole = Named(seeds, early.name).memory;
     const auto add = [&](const std::string& kind, Fault fault) {
-      Input input = whole;
-      input.memory.faults = {fault};
-      seeds.push_back({std::string(early.name) + "-" + kind + std::to_string(fault.nth), input});
+      MemoryDisk memory = whole;
+      memory.faults = {fault};
+      seeds.push_back({std::string(early.name) + "-" + kind + std::to_string(fault.nth), memory});
     };
     for (u64 nth = 1; nth <= early.calls; ++nth) {
       add("read", {.call = Call::kRead, .nth = nth, .error = EIO});
@@ -63,7 +58,7 @@ void AddFaults(std::vector<Seed>& seeds) {
 }  // namespace
 
 void AddSeed(std::vector<Seed>& seeds, const std::string& name, Disk disk) {
-  seeds.push_back({name, {.memory = {std::move(disk)}}});
+  seeds.push_back({name, {std::move(disk)}});
 }
 
 std::vector<Seed> Seeds() {

@@ -13,7 +13,10 @@ namespace trovisk::test {
 
 struct Seed {
   std::string name;  // good for a file name
-  Input input;
+  MemoryDisk memory;
+  Command command = {};
+
+  std::vector<u8> Bytes() const { return WriteInput(memory, command); }
 };
 
 // All of them.

@@ -10,17 +10,28 @@
 namespace trovisk::test {
 namespace {
 
-constexpr u64 kSectors = 700;
+constexpr u64 kSectors = 190;
+
+// Protective MBR, both headers and both arrays, of a few entries: a run shows every one of them.
+void PutShortGpt(Disk& disk, const std::vector<GptEntry>& entries) {
+  constexpr u32 kEntries = 8;
+  const u64 last = disk.Sectors() - 1;
+  PutProtectiveMbr(disk);
+  PutGptEntries(disk, 2, entries);
+  PutGptEntries(disk, last - kEntries * 128 / disk.SectorSize(), entries);
+  for (const u64 sector : {u64{1}, last})
+    PutGptHeader(disk, sector, {.entryCount = kEntries});
+}
 
 Disk DiskWith(const Guid& type, u64 first, u64 last, u32 sectorSize = 512) {
   Disk disk(kSectors, sectorSize);
-  PutGpt(disk, {{.type = type, .first = first, .last = last, .name = u"seed"}});
+  PutShortGpt(disk, {{.type = type, .first = first, .last = last, .name = u"seed"}});
   return disk;
 }
 
 // SPACEDB in sector 100, SDBC in 108, SDBB from 109 on.
 Disk SpacesDisk(const SpaceDb& spaceDb, const Sdbc& sdbc, const std::vector<SdbbRecord>& records = {}) {
-  Disk disk = DiskWith(kStorageSpacesType, 100, 200);
+  Disk disk = DiskWith(kStorageSpacesType, 100, 150);
   PutSpaceDb(disk, 100, spaceDb);
   PutSdbc(disk, 108, sdbc);
   PutSdbb(disk, 109, records);
@@ -31,24 +42,24 @@ Disk SpacesDisk(const SpaceDb& spaceDb, const Sdbc& sdbc, const std::vector<Sdbb
 
 void AddGptSeeds(std::vector<Seed>& seeds) {
   Disk all(kSectors);
-  PutGpt(
+  PutShortGpt(
       all,
-      {{.type = kEfiSystemType, .first = 40, .last = 49, .attributes = 1, .name = u"EFI"},
-       {.type = kBasicDataType, .first = 50, .last = 59, .attributes = ~u64{0}, .name = u"\u00e9\U0001F4BF"},
-       {.type = kRecoveryType, .first = 60, .last = 69, .name = u"\u001b[2J\u0085\xD800"},
-       {.type = kLdmMetadataType, .first = 70, .last = 199, .name = u"LDM"},
-       {.type = kStorageSpacesType, .first = 200, .last = 299},
-       {.type = kStorageReplicaType, .first = 300, .last = 309},
+      {{.type = kEfiSystemType, .first = 10, .last = 13, .attributes = 1, .name = u"EFI"},
+       {.type = kBasicDataType, .first = 14, .last = 16, .attributes = ~u64{0}, .name = u"\u00e9\U0001F4BF"},
+       {.type = kRecoveryType, .first = 17, .last = 19, .name = u"\u001b[2J\u0085\xD800"},
+       {.type = kLdmMetadataType, .first = 20, .last = 99, .name = u"LDM"},
+       {.type = kStorageSpacesType, .first = 100, .last = 129},
+       {.type = kStorageReplicaType, .first = 130, .last = 139},
        {.type = kUnlistedType, .first = 9, .last = 3},
        {}});
-  PutFat32BootSector(all, 40, {.hiddenSectors = 40});
-  PutNtfsBootSector(all, 50, {.totalSectors = 9});
-  PutLdmDatabase(all, {.privhead = 199, .configStart = 72, .logicalStart = 310, .logicalSize = 90});
-  PutSpaceDb(all, 200, {.timeStamp = 133976268000000000});
-  PutSdbc(all, 208, {});
-  PutSdbb(all, 209);
-  PutDpom(all, 300, {});
-  for (u64 sector = 301; sector < 309; ++sector)
+  PutFat32BootSector(all, 10, {.hiddenSectors = 10});
+  PutNtfsBootSector(all, 14, {.totalSectors = 2});
+  PutLdmDatabase(all, {.privhead = 99, .configStart = 22, .logicalStart = 140, .logicalSize = 40});
+  PutSpaceDb(all, 100, {.timeStamp = 133976268000000000});
+  PutSdbc(all, 108, {});
+  PutSdbb(all, 109);
+  PutDpom(all, 130, {});
+  for (u64 sector = 131; sector < 133; ++sector)
     PutDpod(all, sector, {});
   AddSeed(seeds, "gpt-all", all);
 
@@ -61,7 +72,7 @@ void AddGptSeeds(std::vector<Seed>& seeds) {
   AddSeed(seeds, "gpt-no-header", noHeader);
 
   const auto headerSeed = [&](const std::string& name, const GptHeader& header) {
-    Disk disk(kSectors);
+    Disk disk(40);
     PutProtectiveMbr(disk);
     PutGptHeader(disk, 1, header);
     AddSeed(seeds, name, disk);
@@ -88,13 +99,13 @@ void AddSpacesSeeds(std::vector<Seed>& seeds) {
 
   Disk replica = DiskWith(kStorageReplicaType, 100, 120);
   PutDpom(replica, 100, {});
-  for (u64 sector = 101; sector < 110; ++sector)
+  for (u64 sector = 101; sector < 104; ++sector)
     PutDpod(replica, sector, {.partitionGuid = kBasicDataType, .words = {1, 2, 3}});
   AddSeed(seeds, "replica", replica);
   AddSeed(seeds, "replica-empty", DiskWith(kStorageReplicaType, 100, 120));
-  Disk beyond = DiskWith(kStorageReplicaType, 600, kSectors + 300);
-  PutDpom(beyond, 600, {});
-  for (u64 sector = 601; sector < kSectors; ++sector)
+  Disk beyond = DiskWith(kStorageReplicaType, 180, kSectors + 100);
+  PutDpom(beyond, 180, {});
+  for (u64 sector = 181; sector < 185; ++sector)
     PutDpod(beyond, sector, {});
   AddSeed(seeds, "replica-beyond", beyond);
 }

@@ -7,14 +7,14 @@
 namespace trovisk::test {
 namespace {
 
-constexpr u64 kSectors = 300;
+constexpr u64 kSectors = 200;
 constexpr u64 kConfig = 64;
 constexpr u64 kVmdb = kConfig + 8;
 constexpr u64 kVblk = kVmdb + 1;
 
 Disk DynamicDisk(u16 minorVersion = 12) {
   Disk disk(kSectors);
-  PutBootRecord(disk, 0, {.entries = {{.bootIndicator = 0x80, .type = 0x42, .first = 200, .count = 50}}});
+  PutBootRecord(disk, 0, {.entries = {{.bootIndicator = 0x80, .type = 0x42, .first = 140, .count = 50}}});
   PutLdmDatabase(disk, {.configStart = kConfig, .logicalSize = 60, .minorVersion = minorVersion});
   return disk;
 }

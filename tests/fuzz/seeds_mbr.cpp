@@ -8,7 +8,7 @@
 namespace trovisk::test {
 namespace {
 
-constexpr u64 kSectors = 600;
+constexpr u64 kSectors = 120;
 
 void PutTimeStamp(Sector& sector) {
   sector.Bytes(0x0DC, {0x80, 59, 58, 23});
@@ -21,14 +21,14 @@ std::string Numbered(const std::string& name, int number) {
 // A disk with one FAT volume in sector 63, behind an entry of that type.
 Disk DiskOf(u8 type, const FatBootSector& boot) {
   Disk disk(kSectors);
-  PutBootRecord(disk, 0, {.entries = {{.type = type, .first = 63, .count = 500}}});
+  PutBootRecord(disk, 0, {.entries = {{.type = type, .first = 63, .count = 50}}});
   PutFatBootSector(disk, 63, boot);
   return disk;
 }
 
 Disk DiskOf(const Fat32BootSector& boot, const FsInfo& fsInfo = {}) {
   Disk disk(kSectors);
-  PutBootRecord(disk, 0, {.entries = {{.type = 0x0C, .first = 63, .count = 500}}});
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x0C, .first = 63, .count = 50}}});
   for (const u64 sector : {u64{63}, u64{69}}) {
     PutFat32BootSector(disk, sector, boot);
     PutFsInfo(disk, sector + 1, fsInfo);
@@ -77,7 +77,7 @@ void AddMbrSeeds(std::vector<Seed>& seeds) {
 
   // A chain of four, the last of which points back.
   Disk extended(kSectors);
-  PutBootRecord(extended, 0, {.entries = {{.type = 0x0F, .first = 63, .count = 400}}});
+  PutBootRecord(extended, 0, {.entries = {{.type = 0x0F, .first = 63, .count = 40}}});
   for (const u64 sector : {u64{63}, u64{73}, u64{83}}) {
     PutBootRecord(extended, sector,
                   {.entries = {{.type = 0x07, .first = 5, .count = 4},
@@ -90,7 +90,7 @@ void AddMbrSeeds(std::vector<Seed>& seeds) {
   for (const u32 sectorSize : {4096U, 520U, 128U, 1U, 0U}) {
     Disk disk(kSectors, sectorSize);
     if (sectorSize >= 512) {
-      PutBootRecord(disk, 0, {.entries = {{.type = 0x0C, .first = 63, .count = 500}}});
+      PutBootRecord(disk, 0, {.entries = {{.type = 0x0C, .first = 63, .count = 50}}});
       PutFat32BootSector(disk, 63, {});
     }
     AddSeed(seeds, Numbered("mbr-sectors-of-", static_cast<int>(sectorSize)), disk);

@@ -10,12 +10,12 @@
 namespace trovisk::test {
 namespace {
 
-constexpr u64 kSectors = 1200;
+constexpr u64 kSectors = 200;
 constexpr u64 kVolume = 63;
 
 Disk DiskWithVolume(u32 sectorSize = 512) {
   Disk disk(kSectors, sectorSize);
-  PutBootRecord(disk, 0, {.entries = {{.type = 0x07, .first = kVolume, .count = 1001}}});
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x07, .first = kVolume, .count = 101}}});
   return disk;
 }
 
@@ -23,14 +23,15 @@ void AddNtfsSeeds(std::vector<Seed>& seeds) {
   for (const BootCode code : {BootCode::kNtfsW1999, BootCode::kNtfsVista, BootCode::kNtfsWindows7,
                               BootCode::kNtfsWindows8Beta, BootCode::kNtfsWindows8}) {
     Disk disk = DiskWithVolume();
-    for (const u64 sector : {kVolume, kVolume + 1000})
-      PutNtfsBootSector(disk, sector, {.code = code, .clustersPerRecordSegment = 0xFFFFFFF6});
+    for (const u64 sector : {kVolume, kVolume + 100})
+      PutNtfsBootSector(disk, sector,
+                        {.code = code, .totalSectors = 100, .clustersPerRecordSegment = 0xFFFFFFF6});
     PutNtfsBootCode(disk, kVolume + 1, {.loader = code == BootCode::kNtfsW1999 ? u"NTLDR" : u"BOOTMGR"});
     AddSeed(seeds, "ntfs-code" + std::to_string(static_cast<int>(code)), disk);
   }
   Disk message = DiskWithVolume();
-  PutNtfsBootSector(message, kVolume, {.sectorsPerCluster = 0xF8});
-  PutNtfsBootSector(message, kVolume + 1000, {.endMark = 0});
+  PutNtfsBootSector(message, kVolume, {.sectorsPerCluster = 0xF8, .totalSectors = 100});
+  PutNtfsBootSector(message, kVolume + 100, {.endMark = 0});
   PutNtfsBootCode(message, kVolume + 1,
                   {.furtherNames = {u"BOOTTGT", u"BOOTNXT", u"$I30"}, .message = "Compressed\r\n"});
   AddSeed(seeds, "ntfs-message", message);

@@ -17,6 +17,10 @@ std::size_t SequenceLength(unsigned char lead) {
 std::size_t ControlCharacter(std::string_view report) {
   for (std::size_t at = 0; at < report.size();) {
     const auto lead = static_cast<unsigned char>(report[at]);
+    if (lead >= 0x20 && lead < 0x7F) {  // nearly all of it
+      ++at;
+      continue;
+    }
     const bool harmless = lead == 0 || lead == '\t' || lead == '\n';
     if ((lead < 0x20 && !harmless) || lead == 0x7F) return at;
     const std::size_t length = SequenceLength(lead);
