@@ -67,10 +67,15 @@ bool SeekForPass(u64 sector, u64 position) {
   return false;
 }
 
+// A device that says that its sectors have no bytes shows the first bytes of the disk in each of them, so that
+// a chain through them would have no end.
+constexpr u64 kMostSectorsOfNoBytes = u64{1} << 10;
+
 // Calls the sector's decoder, with the disk at the sector, for the sector to go on with. A decoder gives one
 // beyond its own, always; another would keep the pass from ending, so it ends it.
 u64 Visit(const TocEntry& entry, u64 sector, bool print) {
   const u64 next = entry.decoder(entry.description, sector, print);
+  if (disk.bytesPerSector == 0 && next >= kMostSectorsOfNoBytes) return kEndPass;
   return next > sector ? next : kEndPass;
 }
 

@@ -148,7 +148,7 @@ class Walk {
     BetweenSectors(sector);
     u64 last = found.last;
     Reader reader{found.entry.decoder, description};
-    if (lastOnDisk_ != ~u64{0} && sector > lastOnDisk_) {
+    if (disk.bytesPerSector == 0 || (lastOnDisk_ != ~u64{0} && sector > lastOnDisk_)) {
       Count(sector, last, reader,
             {.decoded = false, .valid = false, .message = "lies beyond the end of the disk"});
     } else {

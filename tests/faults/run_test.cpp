@@ -205,6 +205,17 @@ TEST(RunFaults, CloseThatFailsIsNotTold) {
   EXPECT_EQ(outcome.calls.Of(Call::kClose), 1u);
 }
 
+// Each of its sectors shows the first bytes of the disk, so that a chain of extended boot records goes on and on.
+TEST(RunFaults, ChainThroughSectorsOfNoBytesEnds) {
+  Disk disk(100);
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x0F, .first = 1}, {.type = 0x05, .first = 1}}});
+  const auto outcome = RunOnMemory({disk, {{.call = Call::kSectorSize, .amount = 0}}}, {"mem"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.out.find("\nReading sector # 1023 ["), std::string::npos);
+  EXPECT_EQ(outcome.out.find("\nReading sector # 1024 ["), std::string::npos);
+  EXPECT_TRUE(outcome.out.ends_with("      1024\tSupplementary Boot Record\n"));
+}
+
 // A drive that claims sectors of no bytes has no length either; nothing divides by it.
 TEST(RunFaults, SectorsOfNoBytes) {
   const auto outcome = RunOnMemory({PlainDisk(), {{.call = Call::kSectorSize, .amount = 0}}}, {"mem", "5"});

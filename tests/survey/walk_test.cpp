@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "tests/disks/gpt.h"
+#include "tests/disks/ldm.h"
 #include "tests/disks/mbr.h"
 #include "tests/disks/samples.h"
 #include "tests/disks/spaces.h"
@@ -68,6 +69,31 @@ TEST(Walk, AZeroedPrimaryHeaderLeavesTheBackupsPartitions) {
   EXPECT_EQ(VerdictOf(map, "GPT primary header"), "missing");
   EXPECT_EQ(VerdictOf(map, "GPT backup header CRC-32"), "good");
   EXPECT_EQ(map.ExitStatus(), 2);
+}
+
+// A device that says that its sectors have no bytes has none that could be looked at.
+TEST(Walk, SectorsOfNoBytesHoldNothing) {
+  Disk disk(100);
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x0F, .first = 1}, {.type = 0x05, .first = 1}}});
+  const DiskMap map = SurveyOf({.disk = disk, .faults = {{.call = Call::kSectorSize, .amount = 0}}});
+  EXPECT_EQ(CallsSinceInsertion().Of(Call::kRead), 0u);
+  EXPECT_EQ(map.structures, 1u);
+  EXPECT_EQ(map.invalidStructures, 1u);
+}
+
+// On a disk whose length nobody knows a database may claim any: it ends where nothing can be read.
+TEST(Walk, DatabaseOnADiskOfUnknownLengthEndsWithIt) {
+  Disk disk(200);
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x42, .first = 140, .count = 50}}});
+  PutLdmDatabase(disk, {.configStart = 64, .logicalEnd = 60});
+  PutTocBlock(disk, 66, {.config = {.name = "config", .start = 8, .size = 100'000}});
+  const DiskMap map = SurveyOf({.disk = disk, .faults = {{.call = Call::kLength, .error = EIO}}});
+  const auto isSlots = [](const Check& check) { return check.name == "VBLK signatures"; };
+  const auto slots = std::find_if(map.checks.begin(), map.checks.end(), isSlots);
+  ASSERT_NE(slots, map.checks.end());
+  EXPECT_EQ(slots->sector, 200u);
+  EXPECT_EQ(slots->found, "unreadable");
+  EXPECT_LT(CallsSinceInsertion().Of(Call::kRead), 1000u);
 }
 
 TEST(Walk, AnUnreadableStructureEndsNothing) {
