@@ -73,7 +73,7 @@ Check CheckChecksum(u64 sector, SectorView boot) {
   u16 sum = 0;
   for (u64 i = kOemName; i < size; ++i) {
     if (i == kReFsChecksum || i == kReFsChecksum + 1) continue;
-    sum = static_cast<u16>((sum << 15 | sum >> 1) + U8At(boot, i));
+    sum = static_cast<u16>((u32{sum} << 15 | u32{sum} >> 1) + U8At(boot, i));
   }
   return CheckEqual(sector, kName, Hex16(Le16<kReFsChecksum>(boot)), Hex16(sum));
 }
