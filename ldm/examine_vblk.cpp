@@ -135,14 +135,19 @@ void TakeSectors(Walk& walk, const VblkPlace& place, u64 last) {
   const u64 bytesPerSector = disk.bytesPerSector;
   const u64 most = std::max<u64>(kPieceBytes / bytesPerSector, 1);
   u64 skipped = place.offset;
+  u64 singly = 0;  // so many of the next sectors are read one by one
   for (u64 sector = place.first; sector <= last;) {
-    u64 count = std::min(most, last - sector + 1);
-    auto bytes = ReadSectors(sector, count);
+    const u64 count = singly != 0 ? 1 : std::min(most, last - sector + 1);
+    const auto bytes = ReadSectors(sector, count);
     if (!bytes && count > 1) {  // so that the readable ones among them are read
-      count = 1;
-      bytes = ReadSectors(sector, 1);
+      singly = count;
+      continue;
     }
-    if (!bytes) walk.signatures.Add(Verdict::kMissing, sector, "unreadable", "VBLK");
+    if (singly != 0) --singly;
+    if (!bytes) {
+      walk.signatures.Add(Verdict::kMissing, sector, "unreadable", "VBLK");
+      if (!disk.length) return;  // taken for the disk's end, which nobody knows
+    }
     for (u64 i = 0; bytes && i < count; ++i) {
       TakeSector(walk, sector + i, FromAt(SliceAt(*bytes, i * bytesPerSector, bytesPerSector), skipped));
       skipped = 0;
