@@ -74,13 +74,13 @@ TEST(ExamineReFs, ChecksumThatOverflowsGoesOnWithoutTheCarry) {
   Disk disk = ReFsDisk();
   Sector& boot = disk.At(kVolume);
   for (std::size_t i = 0x1E0; i < 0x1F0; ++i) {
-    const bool one = (Checksum(boot.View().first(i)) >> 1 & 1) != 0;
+    const bool one = (ReFsBootChecksum(boot.View().first(i)) >> 1 & 1) != 0;
     boot.U8(i, one ? 0 : 1);
   }
   boot.U8(0x1F0, 0x31);
-  EXPECT_EQ(Checksum(boot.View().first(0x1F0)), 0xFFFF);
-  EXPECT_EQ(Checksum(boot.View().first(0x1F1)), 0x0030);
-  boot.Le16(0x16, Checksum(boot.View()));
+  EXPECT_EQ(ReFsBootChecksum(boot.View().first(0x1F0)), 0xFFFF);
+  EXPECT_EQ(ReFsBootChecksum(boot.View().first(0x1F1)), 0x0030);
+  boot.Le16(0x16, ReFsBootChecksum(boot.View()));
   EXPECT_EQ(NotGood(ExaminedReFs(disk)), "ReFS backup boot record\n");
 }
 

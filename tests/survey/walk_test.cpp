@@ -85,7 +85,7 @@ TEST(Walk, SectorsOfNoBytesHoldNothing) {
 TEST(Walk, DatabaseOnADiskOfUnknownLengthEndsWithIt) {
   Disk disk(200);
   PutBootRecord(disk, 0, {.entries = {{.type = 0x42, .first = 140, .count = 50}}});
-  PutLdmDatabase(disk, {.configStart = 64, .logicalEnd = 60});
+  PutLdmDatabase(disk, {.configStart = 64, .logicalSize = 60});
   PutTocBlock(disk, 66, {.config = {.name = "config", .start = 8, .size = 100'000}});
   const DiskMap map = SurveyOf({.disk = disk, .faults = {{.call = Call::kLength, .error = EIO}}});
   const auto isSlots = [](const Check& check) { return check.name == "VBLK signatures"; };
