@@ -33,6 +33,10 @@ void AppendUtf8(std::string& text, char32_t character) {
 }  // namespace
 
 bool IsUnsafeToShow(char32_t character) {
+  if (character == 0x00AD || character == 0x180E || character == 0x115F || character == 0x1160 ||
+      character == 0x3164 || character == 0xFFA0 || (character >= 0xE0000 && character <= 0xE007F)) {
+    return true;  // shown as nothing: two names that look the same need not be
+  }
   return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x061C ||
          (character >= 0x200B && character <= 0x200F) || (character >= 0x2028 && character <= 0x202E) ||
          (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF ||

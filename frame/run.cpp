@@ -67,8 +67,8 @@ bool SeekForPass(u64 sector, u64 position) {
   return false;
 }
 
-// A device that says that its sectors have no bytes shows the first bytes of the disk in each of them, so that
-// a chain through them would have no end.
+// A device that says that its sectors have no bytes shows the first bytes of the disk in each of them, so
+// that a chain through them would have no end.
 constexpr u64 kMostSectorsOfNoBytes = u64{1} << 10;
 
 // Calls the sector's decoder, with the disk at the sector, for the sector to go on with. A decoder gives one

@@ -45,7 +45,8 @@ struct GptCopy {
   std::vector<GptPartition> partitions;  // the used entries, the first kMostGptPartitions of them
   u64 usedEntries = 0;
 
-  bool Sound() const { return headerSound && arraySound; }
+  // A header that says that it stands elsewhere is not believed, as by other systems.
+  bool Sound() const { return headerSound && arraySound && ownLba == sector; }
 };
 
 // Used entries beyond so many are counted, not kept.

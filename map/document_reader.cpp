@@ -8,7 +8,7 @@ namespace trovisk {
 namespace {
 
 constexpr std::size_t kDeepest = 16;           // twice what a map needs
-constexpr u64 kMostValues = u64{1} << 22;      // of the whole document
+constexpr u64 kMostValues = u64{1} << 20;      // of the whole document
 constexpr std::string_view kTextKey = "text";  // of structures
 
 // What the parser calls, value by value. Each function gives whether it should go on.

@@ -65,6 +65,7 @@ bool OutputFile::Open(const std::string& path, const std::vector<std::string>& d
     if (S_ISBLK(file.st_mode)) return Refuse("it is a disk");
     if (!S_ISREG(file.st_mode)) return Refuse("it is not a file");
     if (IsRead(file, disks)) return Refuse("it is what is examined");
+    if (IsNamedAsPieceOf(path, disks)) return Refuse("it may be a piece of what is examined");
     mode = file.st_mode & 0777;
     char resolved[PATH_MAX];
     if (realpath(path.c_str(), resolved) == nullptr) return Fail(Error());

@@ -51,6 +51,7 @@ bool OutputFile::Open(const std::string& path, const std::vector<std::string>& d
   if (BY_HANDLE_FILE_INFORMATION file{}; Identify(target, file)) {
     if ((file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return Refuse("it is a folder");
     if (IsRead(file, disks)) return Refuse("it is what is examined");
+    if (IsNamedAsPieceOf(path, disks)) return Refuse("it may be a piece of what is examined");
   }
   const std::wstring name = target.substr(0, target.rfind(L'\\') + 1) + L"trovisk-map-" +
                             std::to_wstring(GetCurrentProcessId()) + L".tmp";

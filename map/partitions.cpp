@@ -164,8 +164,12 @@ PartitionTables ReadPartitionTables(u64 lastOnDisk) {
       mark.verdict = Verdict::kMissing;
       mark.found = "none";
     }
-    if (tables.mbr.readable && !tables.mbr.plausible) tables.mbr.partitions.clear();
     tables.checks.push_back(std::move(mark));
+    if (tables.mbr.endMark && !tables.mbr.plausible) {
+      tables.checks.push_back({0, "boot indicators of the partition table", Verdict::kBad,
+                               "neither 0x00 nor 0x80: no partition is taken from it", "0x00 or 0x80"});
+    }
+    if (tables.mbr.readable && !tables.mbr.plausible) tables.mbr.partitions.clear();
     ReadMbrTable(tables, lastOnDisk);
   }
   ReadGptTables(tables, lastOnDisk);

@@ -37,8 +37,9 @@ Bytes EntryOf(Bytes record, unsigned entry) {
 
 bool IndicatorsArePlausible(Bytes record) {
   for (unsigned entry = 1; entry <= kEntries; ++entry) {
-    const u8 indicator = U8At(EntryOf(record, entry), kBootIndicator);
-    if (indicator != 0 && indicator != kActive) return false;
+    const Bytes bytes = EntryOf(record, entry);
+    const u8 indicator = U8At(bytes, kBootIndicator);
+    if (U8At(bytes, kEntryType) != kTypeEmpty && indicator != 0 && indicator != kActive) return false;
   }
   return true;
 }

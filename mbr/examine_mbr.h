@@ -26,8 +26,9 @@ struct MbrPartition {
 struct MasterBootRecord {
   bool readable = false;
   bool endMark = false;
-  bool blank = false;      // nothing but zeros
-  bool plausible = false;  // each boot indicator is 0x00 or 0x80: what a table has and boot code does not
+  bool blank = false;  // nothing but zeros
+  bool plausible =
+      false;  // each used entry's boot indicator is 0x00 or 0x80: what a table has and boot code does not
   u32 signature = 0;
   std::vector<MbrPartition> partitions;  // the used entries, in the table's order
 

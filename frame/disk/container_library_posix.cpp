@@ -13,6 +13,7 @@
 #include "frame/disk/container_ewf_posix.h"
 #include "frame/disk/container_handle_posix.h"
 #include "frame/disk/container_qcow_posix.h"
+#include "frame/disk/container_vhd_posix.h"
 #include "frame/disk/container_vmdk_posix.h"
 
 namespace trovisk {
@@ -52,6 +53,7 @@ constexpr ContainerLibrary kLibraries[] = {
 bool OpenFile(const Container& container, const std::string& path, std::string& refusal) {
   if (container.library->format == ContainerFormat::kEwf) return OpenEwfSegments(container, path, refusal);
   if (container.library->format == ContainerFormat::kQcow && !IsReadableQcow(path, refusal)) return false;
+  if (container.library->format == ContainerFormat::kVhd && !IsReadableVhd(path, refusal)) return false;
   auto* const open = Find<int(void*, const char*, int, void**)>(container, "_open");
   return open != nullptr && open(container.handle, path.c_str(), kReadOnly, nullptr) == 1;
 }

@@ -96,6 +96,7 @@ void PrepareOutput() {
   // An interruption cuts short what it meets, a request does not.
   Catch(SIGINT, NoteInterruption, static_cast<int>(SA_RESETHAND));
   Catch(SIGTERM, NoteInterruption, static_cast<int>(SA_RESETHAND));
+  Catch(SIGHUP, NoteInterruption, static_cast<int>(SA_RESETHAND));
   Catch(SIGUSR1, NoteRequest, SA_RESTART);
 #ifdef SIGINFO
   Catch(SIGINFO, NoteRequest, SA_RESTART);

@@ -29,9 +29,17 @@ async function text(element) {
   return new Response(stream).text();
 }
 
+// Marks that turn the direction of a text round are named, not obeyed.
+const DIRECTION = /[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/g;
+
+function shown(key, value) {
+  if (typeof value !== "string") return value;
+  return value.replace(DIRECTION, (mark) => `[U+${mark.codePointAt(0).toString(16).toUpperCase().padStart(4, "0")}]`);
+}
+
 export async function loadDocument() {
   const element = byId("data");
-  Object.assign(doc, JSON.parse(await text(element)));
+  Object.assign(doc, JSON.parse(await text(element), shown));
   doc.sectorSize = big(doc.disk.sector_size) || 512n;
   for (const [index, extent] of doc.extents.entries()) {
     extent.index = index;

@@ -114,6 +114,23 @@ TEST_F(MapCommand, ComplainsAboutWhatItDoesNotUnderstand) {
   }
 }
 
+// Pieces of an image are not open yet when the output is, and are not named on the command line.
+TEST_F(MapCommand, PieceOfTheImageIsNoOutput) {
+  fs::rename("disk.img", "disk.001");
+  std::ofstream("disk.002") << "evidence";
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"disk.001", "-o", "disk.002"},
+        {"--compare", "disk.001", "disk.001", "-o", "disk.002"}}) {
+    const Outcome outcome = RunMap(arguments);
+    EXPECT_NE(outcome.status, 0);
+    EXPECT_TRUE(Has(outcome.err, "is not written to: it ")) << outcome.err;
+  }
+  EXPECT_EQ(fs::file_size("disk.002"), 8u);
+  // Another file of the same name is no piece.
+  std::ofstream("disk.json") << "{}";
+  EXPECT_NE(RunMap({"--json", "disk.001", "-o", "disk.json"}).status, 1);
+}
+
 TEST_F(MapCommand, ASoundDiskIsStatusZeroAndADamagedOneStatusTwo) {
   const Outcome sound = RunMap({"disk.img"});
   EXPECT_EQ(sound.status, 0);

@@ -365,7 +365,7 @@ TEST(Documents, MoreValuesThanAMapEverHasAreRefused) {
   std::string many = "{\"extents\": [";
   for (int i = 0; i < (1 << 22); ++i)
     many += "1,";
-  EXPECT_EQ(ComplaintAbout(many), "is too large: it holds more than 4194304 values");
+  EXPECT_EQ(ComplaintAbout(many), "is too large: it holds more than 1048576 values");
 }
 
 // Nothing of these is what it should be, and all of it is JSON.

@@ -62,6 +62,14 @@ class Safety(unittest.TestCase):
         self.assertNotRegex("".join(shown), "[\u202a-\u202e\u2066-\u2069\x1b]")
         self.assertEqual(self.browser.run("return document.querySelectorAll('img, script:not([type])').length"), 1)
 
+    def test_direction_marks_are_named_in_every_section(self):
+        self.browser.open(self.pages["hostile"].path)
+        self.browser.run("document.querySelectorAll('details').forEach((d) => { d.open = true; })")
+        shown = self.browser.wait("""const main = document.querySelector("main").textContent;
+            return main.includes("[U+202E]") && main;""")
+        self.assertTrue(shown)
+        self.assertNotRegex(shown, "[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]")
+
     def test_hostile_names_are_text_without_script_too(self):
         text = self.pages["hostile"].text
         self.assertEqual(text.count("hurt()</script>"), 0)

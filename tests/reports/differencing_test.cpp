@@ -19,6 +19,19 @@ namespace fs = std::filesystem;
 constexpr std::array<u8, 16> kOtherIdentity = {0xAA, 0xBB};
 constexpr std::u16string_view kOtherIdentityText = u"{99999999-5566-7788-99aa-bbccddeeff00}";
 
+// A child of those sectors holds what stands behind each of them up to the end of its group of eight, too:
+// what its library reads as it is meant.
+Disk InGroups(const Disk& changes, Disk parent) {
+  Disk whole(changes.Sectors());
+  for (const auto& [number, sector] : changes.Touched()) {
+    for (u64 behind = number; behind <= (number | 7); ++behind)
+      whole.At(behind).Bytes(0, parent.At(behind).View());
+  }
+  for (const auto& [number, sector] : changes.Touched())
+    whole.At(number).Bytes(0, sector.View());
+  return whole;
+}
+
 // What a child changes: sectors of the parent, a zeroed one among them, and one that it has nothing in.
 Disk Changes() {
   Disk changes(MbrSample().Sectors());
@@ -26,7 +39,7 @@ Disk Changes() {
   changes.At(64).Fill(0, 512, 0);
   changes.At(2047).Text(0, "the child's");
   changes.At(150000).Text(500, "the child's");
-  return changes;
+  return InGroups(changes, MbrSample());
 }
 
 void Apply(Disk& disk, const Disk& changes) {
@@ -127,6 +140,9 @@ TEST_F(Differencing, GrandchildRestsOnBoth) {
   latest.At(2047).Text(0, "the grandchild's");
   latest.At(2048).Bytes(0, MbrSample().At(2048).View());
   latest.At(150001).Text(0, "the grandchild's");
+  Disk below = MbrSample();
+  Apply(below, Changes());
+  latest = InGroups(latest, below);
   MakeVhd(MbrSample()).Write(Path("base.vhd"));
   MakeVhd(Changes(), {.identity = kOtherIdentity, .parent = u"base.vhd"}).Write(Path("child.vhd"));
   MakeVhd(latest, {.parent = u"child.vhd", .parentIdentity = kOtherIdentity}).Write(Path("grandchild.vhd"));
@@ -138,6 +154,18 @@ TEST_F(Differencing, GrandchildRestsOnBoth) {
   Apply(combined, latest);
   ExpectReportsOf(combined, "grandchild.vhd");
   ExpectReportsOf(combined, "grandchild.vhdx");
+}
+
+// One sector alone, and the parent's bytes in the next one: the library would show zeros there.
+TEST_F(Differencing, ChangesThatTheLibraryReadsWronglyAreRefused) {
+  MakeVhd(MbrSample()).Write(Path("base.vhd"));
+  Disk changes(MbrSample().Sectors());
+  changes.At(2048).Text(0, "the child's");
+  MakeVhd(changes, {.parent = u"base.vhd"}).Write(Path("child.vhd"));
+  ExpectRefused(
+      "child.vhd",
+      "is a VHD image that has changes that end inside of a group of eight sectors, where its library "
+      "shows zeros: convert it to a VHDX image with its own system's tools");
 }
 
 // A path of the machine that the images come from: what counts is the name, beside the child.

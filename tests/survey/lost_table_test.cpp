@@ -90,6 +90,29 @@ TEST(LostTable, AVolumeWithoutATableIsNamedByItsSignature) {
   EXPECT_EQ(VerdictInWords(map), "Nothing wrong was found.");
 }
 
+// What boot code has in the place of a table. An unused entry has no indicator.
+TEST(LostTable, AWrongBootIndicatorIsSaid) {
+  Disk disk;
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 63, .count = 1000}, {.bootIndicator = 1}}});
+  DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(PartitionsOf(map), Lines{"63-1062 MBR entry 1"});
+  EXPECT_EQ(VerdictOf(map, "boot indicators of the partition table"), "none");
+  disk.At(0).U8(0x1BE, 1);
+  map = SurveyOf(disk);
+  EXPECT_EQ(PartitionsOf(map), Lines{});
+  EXPECT_EQ(VerdictOf(map, "boot indicators of the partition table"), "bad");
+}
+
+// A primary header whose checksum is right and that says that it stands in sector 99.
+TEST(LostTable, AHeaderThatSaysThatItStandsElsewhereIsNotFollowed) {
+  Disk disk = OnePartition(kBasicDataType);
+  disk.At(2).U8(32, 101);
+  PutGptHeader(disk, 1, {.ownLba = 99});
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(VerdictOf(map, "GPT primary header's own sector"), "bad");
+  EXPECT_TRUE(HasFlag(map, 101, kFlagOtherCopy));
+}
+
 TEST(LostTable, OfADiskOfZerosNothingIsSaid) {
   const DiskMap map = SurveyOf(Disk());
   EXPECT_EQ(map.ExitStatus(), 0);

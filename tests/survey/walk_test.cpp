@@ -86,13 +86,10 @@ TEST(Walk, DatabaseOnADiskOfUnknownLengthEndsWithIt) {
   Disk disk(200);
   PutBootRecord(disk, 0, {.entries = {{.type = 0x42, .first = 140, .count = 50}}});
   PutLdmDatabase(disk, {.configStart = 64, .logicalSize = 60});
-  PutTocBlock(disk, 66, {.config = {.name = "config", .start = 8, .size = 100'000}});
+  for (const u64 copy : {u64{66}, u64{124}})
+    PutTocBlock(disk, copy, {.config = {.name = "config", .start = 8, .size = 100'000}});
   const DiskMap map = SurveyOf({.disk = disk, .faults = {{.call = Call::kLength, .error = EIO}}});
-  const auto isSlots = [](const Check& check) { return check.name == "VBLK signatures"; };
-  const auto slots = std::find_if(map.checks.begin(), map.checks.end(), isSlots);
-  ASSERT_NE(slots, map.checks.end());
-  EXPECT_EQ(slots->sector, 200u);
-  EXPECT_EQ(slots->found, "unreadable");
+  EXPECT_EQ(VerdictOf(map, "VBLK signatures"), "bad");
   EXPECT_LT(CallsSinceInsertion().Of(Call::kRead), 1000u);
 }
 
