@@ -10,11 +10,12 @@ import datetime
 import hashlib
 import json
 import os
+import re
 import subprocess
 import sys
 import uuid
 
-SUPPLIER = "Organization: the Trovisk authors"
+CONTROL = os.path.join(os.path.dirname(__file__), "..", "debian", "control")
 GCC_LICENSE = "GPL-3.0-or-later WITH GCC-exception-3.1"
 MINGW_CXX = "x86_64-w64-mingw32-g++-posix"
 
@@ -28,6 +29,16 @@ def preprocessed(compiler, text):
 
 def compiler_version(compiler):
     return preprocessed(compiler, "__GNUC__.__GNUC_MINOR__.__GNUC_PATCHLEVEL__\n")
+
+
+def control_field(name):
+    with open(CONTROL, encoding="utf-8") as file:
+        return re.search(f"(?m)^{name}: (.*)$", file.read())[1]
+
+
+def supplier():
+    """Who publishes, as SPDX writes it."""
+    return "Organization: " + re.sub("<(.*)>", r"(\1)", control_field("Maintainer"))
 
 
 def package(identifier, name, version, license_name, copyright_text, purpose, **more):
@@ -59,7 +70,8 @@ def artefact(identifier, version, path, purpose, **more):
         "Copyright (c) 2026 the Trovisk authors",
         purpose,
         packageFileName=os.path.basename(path),
-        supplier=SUPPLIER,
+        supplier=supplier(),
+        homepage=control_field("Homepage"),
         checksums=checksums,
         **more,
     )
@@ -120,7 +132,7 @@ def main():
         "documentNamespace": "urn:uuid:" + str(uuid.uuid5(uuid.NAMESPACE_OID, digests)),
         "creationInfo": {
             "created": created.strftime("%Y-%m-%dT%H:%M:%SZ"),
-            "creators": [SUPPLIER, "Tool: packaging/sbom.py-" + version],
+            "creators": [supplier(), "Tool: packaging/sbom.py-" + version],
         },
         "packages": packages,
         "relationships": [

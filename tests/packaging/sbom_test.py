@@ -43,6 +43,8 @@ for package in bill["packages"]:
     for key in ("name", "licenseConcluded", "licenseDeclared", "copyrightText", "primaryPackagePurpose"):
         check(f"{name}: {key}", package[key])
     if "packageFileName" in package:
+        check(f"{name}: supplier", re.fullmatch(r"Organization: .+ \([^@]+@[^@]+\)", package["supplier"]))
+        check(f"{name}: homepage", re.fullmatch(r"https?://\S+", package["homepage"]))
         named.append(package["packageFileName"])
         with open(os.path.join(os.path.dirname(path), named[-1]), "rb") as file:
             content = file.read()
@@ -52,4 +54,5 @@ for package in bill["packages"]:
 
 folder = os.path.dirname(path) or "."
 others = {os.path.basename(path), "SHA256SUMS"}
-check("every file is named", set(named) == set(os.listdir(folder)) - others)
+files = {each for each in os.listdir(folder) if not each.endswith(".dsc")} - others
+check("every file is named", set(named) == files)
