@@ -33,6 +33,15 @@ template <std::size_t Size>
 using FixedBytes = std::span<const u8, Size>;
 using SectorView = FixedBytes<512>;
 
+// What the buffer of a read begins at a multiple of, in bytes: a raw disk's adapter writes into it by itself,
+// and the system refuses one that does not lie as the adapter asks; those of today ask for 1 to 16. What is
+// allocated lies so anyway.
+inline constexpr std::size_t kBufferAlignment = 16;
+
+// Room for a record that is read.
+template <std::size_t Size>
+struct alignas(kBufferAlignment) RecordBuffer : std::array<u8, Size> {};
+
 // Descriptions of sectors, names of codes, the disk's path: text that is printed in the C locale's narrow
 // characters.
 using WideText = std::wstring_view;

@@ -5,7 +5,6 @@
 #ifndef TROVISK_FRAME_SECTOR_H
 #define TROVISK_FRAME_SECTOR_H
 
-#include <array>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -24,8 +23,8 @@ bool ReadRecord(std::span<u8> record);
 
 // The same for a record of fixed size; none after a failure.
 template <std::size_t Size>
-std::optional<std::array<u8, Size>> ReadRecord() {
-  std::optional<std::array<u8, Size>> record(std::in_place);
+std::optional<RecordBuffer<Size>> ReadRecord() {
+  std::optional<RecordBuffer<Size>> record(std::in_place);
   if (!ReadRecord(*record)) record.reset();
   return record;
 }
@@ -39,8 +38,8 @@ void PrintOpening(WideText description, u64 sector, bool print, Below below = Be
 
 // The opening of a decoder: the header line where print is set, and the record.
 template <std::size_t Size = 512>
-std::optional<std::array<u8, Size>> OpenRecord(WideText description, u64 sector, bool print,
-                                               Below below = Below::kNothing) {
+std::optional<RecordBuffer<Size>> OpenRecord(WideText description, u64 sector, bool print,
+                                             Below below = Below::kNothing) {
   PrintOpening(description, sector, print, below);
   return ReadRecord<Size>();
 }

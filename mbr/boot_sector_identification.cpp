@@ -55,7 +55,7 @@ VolumeClass ClassifyBootSector(SectorView bootSector) {
 }
 
 u64 IdentifyBootSector(WideText /*description*/, u64 sector, bool print) {
-  std::array<u8, 512> bootSector{};
+  RecordBuffer<512> bootSector{};
   if (!disk.Read(bootSector.data(), bootSector.size())) {
     errors << "Error reading sector #" << sector << '\n';
     return kEndPass;

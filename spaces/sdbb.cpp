@@ -65,7 +65,7 @@ void PrintRecord(Record record) {
 
 u64 DecodeSdbb(WideText description, u64 sector, bool print) {
   PrintOpening(description, sector, print, Below::kEmptyLine);
-  std::array<u8, kRecords * kRecordSize> records{};
+  RecordBuffer<kRecords * kRecordSize> records{};
   if (!disk.Read(records.data(), records.size())) {
     errors << "Error reading sector " << sector << '\n';
     return kEndPass;

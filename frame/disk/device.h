@@ -47,7 +47,8 @@ ErrorCode SeekDevice(Device& device, u64 offset, u64& landed);
 // copy: all of the bytes, which are there until the next read, or none, and then the position stays.
 Bytes TakeReadAhead(Device& device, u32 count);
 
-// Reads count bytes at the position and moves it by got, the bytes that were really read.
+// Reads count bytes at the position and moves it by got, the bytes that were really read. The buffer of a raw
+// disk begins at a multiple of kBufferAlignment.
 ErrorCode ReadDevice(Device& device, u8* buffer, u32 count, u32& got);
 
 // Closes the disk; the device is closed afterwards whatever the result.

@@ -20,15 +20,22 @@ int Descriptor(Output output) {
   return output == Output::kReport ? 1 : 2;
 }
 
-UINT consoleCodePage = 0;
+UINT consoleCodePage = 0;  // 0: nothing to put back
 
-// Ctrl-C and Ctrl-Break, on a thread of the system's. The second one ends the process, as everything else
-// does that is not taken.
+void PutCodePageBack() {
+  if (consoleCodePage != 0) SetConsoleOutputCP(consoleCodePage);
+}
+
+// Ctrl-C and Ctrl-Break, on a thread of the system's. The second one ends the process on the spot, as
+// everything else does that is not taken: without what is done at an exit.
 BOOL WINAPI NoteInterruption(DWORD event) {
-  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) return FALSE;
-  const bool first = interruption.exchange(1) == 0;
-  attention = true;
-  return first ? TRUE : FALSE;
+  const bool taken = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
+  if (taken && interruption.exchange(1) == 0) {
+    attention = true;
+    return TRUE;
+  }
+  PutCodePageBack();
+  return FALSE;
 }
 
 }  // namespace
@@ -80,7 +87,7 @@ void PrepareOutput() {
   if (!IsTerminal(Output::kReport)) return;
   _setmode(Descriptor(Output::kReport), _O_BINARY);
   consoleCodePage = GetConsoleOutputCP();
-  if (SetConsoleOutputCP(CP_UTF8)) std::atexit([] { SetConsoleOutputCP(consoleCodePage); });
+  if (SetConsoleOutputCP(CP_UTF8)) std::atexit(PutCodePageBack);
 }
 
 void EndByInterruption(int /*signal*/) {

@@ -437,7 +437,7 @@ TEST(GptEntries, UnreadableSector) {
   PutProtectiveMbr(disk);
   PutGptHeader(disk, 1, {.otherLba = 1, .entriesLba = 63, .entryCount = 8});
   const Outcome outcome = RunOn(disk, {"-1", "-1"});
-  const std::string failure = "Global::Read short read, needed 512, got 0\nError reading sector\n";
+  const std::string failure = ReadBehindTheEnd(512) + "Error reading sector\n";
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, failure + failure);
   EXPECT_NE(outcome.out.find("\nReading sector # 64 [GUID Partition Table End]\n\n\n\tTable Of Contents\n"),

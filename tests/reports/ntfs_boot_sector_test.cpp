@@ -202,7 +202,7 @@ TEST(NtfsBootSector, TargetsBeyondTheDisk) {
   const Disk disk = WithVolume({.totalSectors = 10'000'000, .mftCluster = 2'000'000});
   const Outcome outcome = RunOn(disk);
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_TRUE(SameText(outcome.err, "Global::Read short read, needed 512, got 0\nError reading sector\n"));
+  EXPECT_TRUE(SameText(outcome.err, ReadBehindTheEnd(512) + "Error reading sector\n"));
   EXPECT_TRUE(SameText(TocOf(disk),
                        "         0\tMaster Boot Record\n"
                        "        63\tNTFS Boot Sector\n"
@@ -219,7 +219,7 @@ TEST(NtfsBootSector, BootCodeSectorBeyondTheDisk) {
   disk.Resize(64);
   const Outcome outcome = RunOn(disk, {"-1", "-1"});
   EXPECT_EQ(outcome.status, 0);
-  const std::string failure = "Global::Read short read, needed 512, got 0\nError reading sector\n";
+  const std::string failure = ReadBehindTheEnd(512) + "Error reading sector\n";
   EXPECT_TRUE(SameText(outcome.err, failure + failure));
   EXPECT_NE(outcome.out.find("Reading sector # 64 [NTFS boot sector +1]\n\n\tTable Of Contents\n"),
             std::string::npos);
@@ -230,7 +230,7 @@ TEST(NtfsBootSector, BackupBeyondTheDisk) {
   const Disk disk = WithVolume({.totalSectors = 10'000'000});
   const Outcome outcome = RunOn(disk, {"-1", "-1"});
   EXPECT_EQ(outcome.status, 0);
-  const std::string failure = "Global::Read short read, needed 512, got 0\nError reading sector\n";
+  const std::string failure = ReadBehindTheEnd(512) + "Error reading sector\n";
   EXPECT_TRUE(SameText(outcome.err, failure + failure));
   EXPECT_NE(outcome.out.find("Reading sector # 10000063 [Backup NTFS boot sector]\n\n\tTable Of Contents\n"),
             std::string::npos);

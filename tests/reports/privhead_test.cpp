@@ -186,7 +186,7 @@ TEST(Privhead, UnreadableSector) {
   Disk disk = DiskWith(SmallPrivhead());
   disk.Resize(6);
   const Outcome outcome = RunOn(disk, {"5"});
-  EXPECT_EQ(outcome.err, "Global::Read short read, needed 512, got 0\nError reading sector\n");
+  EXPECT_EQ(outcome.err, ReadBehindTheEnd(512) + "Error reading sector\n");
   EXPECT_EQ(outcome.status, 0);
 }
 

@@ -133,9 +133,7 @@ TEST(ReFsBootRecord, LargestClustersPlaceTheSuperblockBeyondTheDisk) {
             "      2048\tNTFS Boot Sector\n"
             "     14335\tBackup ReFS Volume Boot Record\n"
             "128849020898\tReFS SUPB Sector\n");
-  EXPECT_EQ(RunOn(disk).err,
-            "Global::Read short read, needed 512, got 0\n"
-            "Error reading sector\n");
+  EXPECT_EQ(RunOn(disk).err, ReadBehindTheEnd(512) + "Error reading sector\n");
 }
 
 // Zero sectors per cluster lead to the boot record itself, which keeps its entry.
@@ -179,9 +177,7 @@ TEST(ReFsBootRecord, LargeSectorCountsWrap) {
 TEST(ReFsBootRecord, BackupBehindTheDisk) {
   const Disk disk = DiskWith({.sectorCount = 16384 - kBoot + 1, .versionMajor = 1});
   const Outcome outcome = RunOn(disk);
-  EXPECT_EQ(outcome.err,
-            "Global::Read short read, needed 512, got 0\n"
-            "Error reading sector\n");
+  EXPECT_EQ(outcome.err, ReadBehindTheEnd(512) + "Error reading sector\n");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(TocOf(disk),
             "         0\tMaster Boot Record\n"

@@ -145,7 +145,7 @@ TEST(TocBlock, UnreadableSector) {
   Disk disk = DynamicDisk();
   disk.Resize(102);
   const Outcome outcome = RunOn(disk, {"101"});
-  EXPECT_EQ(outcome.err, "Global::Read short read, needed 512, got 0\nError reading sector\n");
+  EXPECT_EQ(outcome.err, ReadBehindTheEnd(512) + "Error reading sector\n");
   EXPECT_EQ(outcome.status, 0);
 }
 

@@ -224,7 +224,7 @@ TEST(Vblk, UnreadableSector) {
   Disk disk = DiskWithRecord(Plain(0));
   disk.Resize(kVblkSector);
   const Outcome outcome = RunOn(disk, {"1", "-1"});
-  const std::string message = "Global::Read short read, needed 512, got 0\nError reading sector\n";
+  const std::string message = ReadBehindTheEnd(512) + "Error reading sector\n";
   EXPECT_EQ(outcome.err, message + message);
   EXPECT_EQ(outcome.status, 0);
 }

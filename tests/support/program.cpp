@@ -20,7 +20,7 @@ std::string NativeProgramPath(Build build) {
 
 std::string ProgramPath(Build build) {
   if (!UnderWine()) return NativeProgramPath(build);
-  return WindowsProgram(build == Build::kShipped ? "trovisk_wine.exe" : "trovisk_wine_invented_code.exe");
+  return WindowsProgram(build == Build::kShipped ? "trovisk.exe" : "trovisk_invented_code.exe");
 }
 
 Outcome RunProgram(Build build, const std::vector<std::string>& arguments,
@@ -56,6 +56,11 @@ Outcome RunOn(const Disk& disk, const std::vector<std::string>& arguments, Build
   ReplaceAll(outcome.out, all[0], "<disk>");
   ReplaceAll(outcome.err, all[0], "<disk>");
   return outcome;
+}
+
+std::string ReadBehindTheEnd(u64 needed, u64 got) {
+  if (UnderWine()) return "Global::Read failed, error 27\n";
+  return "Global::Read short read, needed " + std::to_string(needed) + ", got " + std::to_string(got) + "\n";
 }
 
 }  // namespace trovisk::test

@@ -36,6 +36,10 @@ Outcome RunCommand(const std::string& program, const std::vector<std::string>& a
 Outcome RunOn(const Disk& disk, const std::vector<std::string>& arguments = {},
               Build build = Build::kInventedCode);
 
+// What is said of a read of that many bytes from behind the end of a disk, or across it, where got of them
+// are on the disk: an image file gives these, a raw disk of Windows refuses.
+std::string ReadBehindTheEnd(u64 needed, u64 got = 0);
+
 void ReplaceAll(std::string& text, const std::string& what, const std::string& with);
 
 }  // namespace trovisk::test

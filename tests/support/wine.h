@@ -40,14 +40,15 @@ class WineDrive {
   std::string link_;
 };
 
-// Runs a Windows program; environment: NAME=VALUE pairs added to the environment. Line ends and the padding
-// of the day in dates read as elsewhere: the C runtime of Windows writes CR LF, and "Jan 01" for "Jan  1".
-// The program's own name is the path of this system.
+// Runs a Windows program, once more where Wine did not start it; environment: NAME=VALUE pairs added to the
+// environment. The C runtime of Windows writes CR LF, and "Jan 01" for "Jan  1": both read as elsewhere, and
+// what is not written so is marked. The program's own name is the path of this system.
 Outcome RunWindowsProgram(const std::string& program, const std::vector<std::string>& arguments,
                           const std::vector<std::string>& environment);
 
-// The same for trovisk where the first argument is an image file, with "@sectorsize" behind its path or not:
-// the program is given a physical drive, and its texts name the image.
+// The same for trovisk, under the rules of a raw disk (tests/windows/raw_disk_rules.cpp): where the first
+// argument is an image file, with "@sectorsize" behind its path or not, the program is given a physical
+// drive, and its texts name the image.
 Outcome RunOnWineDrive(const std::string& program, std::vector<std::string> arguments,
                        std::vector<std::string> environment);
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/disks/gpt.h"
+#include "tests/disks/mbr.h"
 #include "tests/support/expected.h"
 #include "tests/windows/raw_disk.h"
 
@@ -32,7 +34,7 @@ constexpr char kLength[] =
 constexpr char kClose[] = "CloseHandle\n";
 
 // FILE_BEGIN
-std::string Move(u64 offset) {
+std::string Move(i64 offset) {
   return "SetFilePointerEx offset " + std::to_string(offset) + " new position given method 0\n";
 }
 
@@ -105,6 +107,19 @@ TEST(WindowsCalls, SeekRefused) {
   EXPECT_TRUE(run.calls.ends_with(Move(1536) + kClose)) << run.calls;
 }
 
+// 2^54 + 5 sectors of 512 bytes are beyond 2^63, which the system takes for a position below 0.
+TEST(WindowsCalls, SeekBelowZeroRefused) {
+  Disk disk(100);
+  PutProtectiveMbr(disk);
+  PutGptHeader(disk, 1, {.otherLba = 1, .entriesLba = (u64{1} << 54) + 5, .entryCount = 4});
+  const RawDiskRun run = RunOnRawDisk(disk);
+  EXPECT_EQ(run.outcome.status, 1);
+  EXPECT_EQ(run.outcome.err,
+            "Global::Seek failed to seek to sector 18014398509481989, error 131\n"
+            "Failed to seek to sector 2\n");
+  EXPECT_TRUE(run.calls.ends_with(Move(i64{-9223372036854773248}) + kClose)) << run.calls;
+}
+
 // A refusal without an error code counts as a move where the position is the right one.
 TEST(WindowsCalls, SeekRefusedWithoutACode) {
   const RawDiskRun run = RunOnRawDisk(EmptyDisk(), {"3"}, "seek=3:0");
@@ -154,6 +169,16 @@ TEST(WindowsCalls, ShortReadOfALargeSector) {
   EXPECT_EQ(run.outcome.err,
             "Global::Read short read, needed 4096, got 512\nError reading sector\n"
             "Global::Read short read, needed 4096, got 512\nError reading sector\n");
+}
+
+// A registered sector behind the end: the disk is asked for it, and refuses.
+TEST(WindowsCalls, ReadBehindTheEndRefused) {
+  Disk disk = EmptyDisk();
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x05, .first = 100, .count = 10}}});
+  const RawDiskRun run = RunOnRawDisk(disk);
+  EXPECT_EQ(run.outcome.status, 0);
+  EXPECT_EQ(run.outcome.err, "Global::Read failed, error 27\nError reading sector\n");
+  EXPECT_NE(run.calls.find(Move(51200) + Read(512)), std::string::npos) << run.calls;
 }
 
 // Nothing is said, and the disk counts as closed.

@@ -3,7 +3,7 @@
 //   launcher PROGRAM ARGUMENT...
 //
 // The program's file is left as it is: it starts suspended, loads the DLL, and goes on. Its output and its
-// exit status become the launcher's.
+// exit status become the launcher's. Ctrl-C is for the program alone.
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
@@ -48,6 +48,7 @@ bool LoadInto(HANDLE process, const std::wstring& dll) {
 }  // namespace
 
 int main() {
+  SetConsoleCtrlHandler([](DWORD) -> BOOL { return TRUE; }, TRUE);
   std::wstring line = WithoutFirstWord(GetCommandLineW());
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;

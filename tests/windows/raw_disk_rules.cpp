@@ -12,13 +12,22 @@
 //   land=SECTOR        the move to that sector ends one sector further
 //   read=SECTOR:ERROR  reads that touch that sector fail
 //   short=SECTOR:BYTES the read at that sector gives only so many bytes
+//   hang=SECTOR        the read at that sector never ends
 //   close=ERROR        the disk closes with an error
+//   zone=system        the C runtime does not see the variable TZ, and asks the system for its time zone
 //
 // The words that name a sector may stand several times. ERROR 0 fails without an error code. On top of these,
-// what every raw disk refuses: positions and lengths that are not whole sectors fail with error 87,
-// ERROR_INVALID_PARAMETER.
+// what every raw disk does:
+//
+//   - positions and lengths that are not whole sectors are refused, and so are buffers that do not lie as the
+//     adapter asks, here at a multiple of 16: error 87, ERROR_INVALID_PARAMETER
+//   - a move to a position below 0: error 131, ERROR_NEGATIVE_SEEK
+//   - a move behind the end is none of its business; a read there, of one sector or of several that are not
+//   all
+//     on the disk, reads nothing: error 27, ERROR_SECTOR_NOT_FOUND
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -39,10 +48,14 @@ struct Rules {
   std::map<Number, DWORD> badSectors;
   std::map<Number, DWORD> shortReads;
   std::set<Number> landsElsewhere;
+  std::set<Number> hangs;
   DWORD sectorSize = 512;
   std::FILE* log = nullptr;
   HANDLE disk = INVALID_HANDLE_VALUE;
+  LONGLONG position = 0;  // an image file could not be moved to wherever a disk can
 };
+
+constexpr std::uintptr_t kAlignment = 16;
 
 Rules rules;
 
@@ -72,6 +85,10 @@ void ReadRules() {
       rules.shortReads[number] = second;
     } else if (key == "land") {
       rules.landsElsewhere.insert(number);
+    } else if (key == "hang") {
+      rules.hangs.insert(number);
+    } else if (word == "zone=system") {
+      _putenv("TZ=");
     } else {
       std::fprintf(stderr, "raw_disk_rules: what is %s?\n", word.c_str());
       ExitProcess(124);
@@ -121,6 +138,7 @@ HANDLE WINAPI RulesCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURI
     return INVALID_HANDLE_VALUE;
   }
   rules.disk = CreateFileW(path, access, share, security, disposition, flags, pattern);
+  rules.position = 0;
   return rules.disk;
 }
 
@@ -141,28 +159,39 @@ BOOL WINAPI RulesDeviceIoControl(HANDLE disk, DWORD code, LPVOID in, DWORD inSiz
 BOOL WINAPI RulesSetFilePointerEx(HANDLE disk, LARGE_INTEGER distance, PLARGE_INTEGER landed, DWORD method) {
   Log("SetFilePointerEx offset " + std::to_string(distance.QuadPart) + " new position " + Pointer(landed) +
       " method " + std::to_string(method));
+  if (disk != rules.disk || method != FILE_BEGIN) return SetFilePointerEx(disk, distance, landed, method);
+  if (distance.QuadPart < 0) return Fail(ERROR_NEGATIVE_SEEK);
   if (distance.QuadPart % rules.sectorSize != 0) return Fail(ERROR_INVALID_PARAMETER);
   const Number sector = static_cast<Number>(distance.QuadPart) / rules.sectorSize;
-  if (rules.refusedMoves.contains(sector)) {
-    if (rules.refusedMoves[sector] == 0) SetFilePointerEx(disk, distance, landed, method);
-    return Fail(rules.refusedMoves[sector]);
-  }
-  if (rules.landsElsewhere.contains(sector)) distance.QuadPart += rules.sectorSize;
-  return SetFilePointerEx(disk, distance, landed, method);
+  const auto refused = rules.refusedMoves.find(sector);
+  if (refused != rules.refusedMoves.end() && refused->second != 0) return Fail(refused->second);
+  rules.position = distance.QuadPart + (rules.landsElsewhere.contains(sector) ? rules.sectorSize : 0);
+  if (landed != nullptr) landed->QuadPart = rules.position;
+  return refused == rules.refusedMoves.end() ? TRUE : Fail(0);
 }
 
 BOOL WINAPI RulesReadFile(HANDLE disk, LPVOID buffer, DWORD count, LPDWORD got, LPOVERLAPPED overlapped) {
   if (disk != rules.disk) return ReadFile(disk, buffer, count, got, overlapped);
   Log("ReadFile " + std::to_string(count) + " bytes, overlapped " + Pointer(overlapped));
-  if (count % rules.sectorSize != 0) return Fail(ERROR_INVALID_PARAMETER);
-  LARGE_INTEGER position{};
-  SetFilePointerEx(disk, LARGE_INTEGER{}, &position, FILE_CURRENT);
-  const Number sector = static_cast<Number>(position.QuadPart) / rules.sectorSize;
+  if (count % rules.sectorSize != 0 || reinterpret_cast<std::uintptr_t>(buffer) % kAlignment != 0) {
+    return Fail(ERROR_INVALID_PARAMETER);
+  }
+  LARGE_INTEGER length{};
+  GetFileSizeEx(disk, &length);
+  const LONGLONG end = length.QuadPart - length.QuadPart % rules.sectorSize;
+  if (rules.position > end || count > end - rules.position) return Fail(ERROR_SECTOR_NOT_FOUND);
+  const Number sector = static_cast<Number>(rules.position) / rules.sectorSize;
+  if (rules.hangs.contains(sector)) Sleep(INFINITE);
   const auto bad = rules.badSectors.lower_bound(sector);
   if (bad != rules.badSectors.end() && bad->first < sector + count / rules.sectorSize)
     return Fail(bad->second);
   if (rules.shortReads.contains(sector)) count = std::min(count, rules.shortReads[sector]);
-  return ReadFile(disk, buffer, count, got, overlapped);
+  LARGE_INTEGER position{};
+  position.QuadPart = rules.position;
+  if (!SetFilePointerEx(disk, position, nullptr, FILE_BEGIN)) return FALSE;
+  const BOOL read = ReadFile(disk, buffer, count, got, overlapped);
+  rules.position += *got;
+  return read;
 }
 
 BOOL WINAPI RulesCloseHandle(HANDLE handle) {

@@ -11,6 +11,7 @@
 #include <regex>
 
 #include "tests/disks/gpt.h"
+#include "tests/reports/ldm_disk.h"
 #include "tests/support/expected.h"
 #include "tests/support/wine.h"
 #include "tests/windows/raw_disk.h"
@@ -58,8 +59,8 @@ TEST(WindowsText, NamesOnAConsole) {
   const std::string image = ScratchPath("name.img");
   DiskWithName().Write(image);
   const WineDrive drive(image);
-  const std::string text =
-      WithoutDate(OnConsole({WineCommand(), WindowsProgram("trovisk_wine.exe"), drive.Number(), "2"}));
+  const std::string text = WithoutDate(OnConsole(
+      {WineCommand(), WindowsProgram("launcher.exe"), WindowsProgram("trovisk.exe"), drive.Number(), "2"}));
   EXPECT_TRUE(text.starts_with("Trovisk version 1.4 built <date>\n\nLast sector on disk is 199\nReading "))
       << text;
   EXPECT_NE(text.find("        Partition Name        : [a\xC3\x9F\xE6\x97\xA5"), std::string::npos) << text;
@@ -100,12 +101,53 @@ TEST(WindowsText, HintsOnAConsole) {
   EXPECT_TRUE(std::regex_search(text, std::regex(R"(\n       7  \\\\\.\\PhysicalDrive7( |\n))"))) << text;
 }
 
-// Becomes the program under Wine.
-void Become(const std::string& disk, const char* first, const char* last) {
-  setenv("TROVISK_TEST_SECTOR_SIZE", "512", 1);
-  const std::string program = WindowsProgram("trovisk_wine.exe");
-  const std::string wine = WineCommand();
-  execl(wine.c_str(), wine.c_str(), program.c_str(), disk.c_str(), first, last, nullptr);
+// Becomes the program under Wine, on a raw disk.
+void Become(const std::string& disk, const std::vector<std::string>& sectors) {
+  std::vector<std::string> words = {WineCommand(), WindowsProgram("launcher.exe"),
+                                    WindowsProgram("trovisk.exe"), disk};
+  words.insert(words.end(), sectors.begin(), sectors.end());
+  Execute(words);
+}
+
+// What the console's code page is before a run, in it, and behind it, and how the run ended: Ctrl-C is
+// pressed so many times.
+std::string CodePages(int presses, const std::vector<std::string>& program) {
+  const std::string log = ScratchPath("console.log");
+  std::vector<std::string> words = {WineCommand(), WindowsProgram("console.exe"), WindowsPath(log),
+                                    std::to_string(presses)};
+  words.insert(words.end(), program.begin(), program.end());
+  OnConsole(words);
+  return ReadFile(log);
+}
+
+constexpr char kCtrlC[] = "0xC000013A\n";  // STATUS_CONTROL_C_EXIT
+
+TEST(WindowsText, TheConsoleGetsItsCodePageBackAtTheEnd) {
+  const std::string image = ScratchPath("pages.img");
+  Disk(4000).Write(image);
+  EXPECT_EQ(CodePages(0, {WindowsProgram("trovisk.exe"), WindowsPath(image), "0", "3999"}),
+            "850\n65001\n850\n0x0\n");
+}
+
+TEST(WindowsText, CtrlCGivesTheConsoleItsCodePageBack) {
+  const std::string image = ScratchPath("endless.img");
+  Disk(200).Write(image);
+  std::filesystem::resize_file(image, u64{1} << 32);
+  EXPECT_EQ(CodePages(1, {WindowsProgram("trovisk.exe"), WindowsPath(image), "0", "8388607"}),
+            std::string("850\n65001\n850\n") + kCtrlC);
+}
+
+// A disk that does not answer: the second Ctrl-C ends the program in the middle of the read, with a status
+// that is Wine's own.
+TEST(WindowsText, SecondCtrlCGivesTheConsoleItsCodePageBack) {
+  const std::string image = ScratchPath("hanging.img");
+  Disk(200).Write(image);
+  const WineDrive drive(image);
+  setenv("RAW_DISK", "hang=3", 1);
+  const std::string pages =
+      CodePages(2, {WindowsProgram("launcher.exe"), WindowsProgram("trovisk.exe"), drive.Number(), "3"});
+  unsetenv("RAW_DISK");
+  EXPECT_TRUE(pages.starts_with("850\n65001\n850\n0x")) << pages;
 }
 
 // 2000 sectors, none of them empty: a report far beyond what a pipe or a buffer holds.
@@ -125,7 +167,7 @@ TEST(WindowsText, ReaderThatHasGoneEndsTheProgramQuietly) {
     if (pipe(ends) != 0) _exit(126);
     close(ends[0]);
     dup2(ends[1], STDOUT_FILENO);
-    Become(drive.Number(), "0", "1999");
+    Become(drive.Number(), {"0", "1999"});
   });
   EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(outcome.status, 0);
@@ -135,7 +177,7 @@ TEST(WindowsText, FullDiskIsAnError) {
   const WineDrive drive(LargeImage());
   const Outcome outcome = RunChild([&] {
     dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
-    Become(drive.Number(), "0", "1999");
+    Become(drive.Number(), {"0", "1999"});
   });
   EXPECT_EQ(outcome.err, "Error writing the report, error 112\r\n");  // ERROR_DISK_FULL
   EXPECT_EQ(outcome.status, 1);
@@ -148,7 +190,7 @@ TEST(WindowsText, BothStreamsInOneFileKeepTheirOrder) {
   const WineDrive drive(image);
   Outcome outcome = RunChild([&] {
     dup2(STDOUT_FILENO, STDERR_FILENO);
-    Become(drive.Number(), "3", nullptr);
+    Become(drive.Number(), {"3"});
   });
   EXPECT_TRUE(
       outcome.out.ends_with("Last sector on disk is 2\r\nThere aren't that many sectors on the disk !!\r\n"))
@@ -156,12 +198,39 @@ TEST(WindowsText, BothStreamsInOneFileKeepTheirOrder) {
   std::filesystem::resize_file(image, 10);
   outcome = RunChild([&] {
     dup2(STDOUT_FILENO, STDERR_FILENO);
-    Become(drive.Number(), "0", nullptr);
+    Become(drive.Number(), {"0"});
   });
-  const std::string failure = "Global::Read short read, needed 512, got 10\r\nError reading sector\r\n";
+  const std::string failure = "Global::Read failed, error 27\r\nError reading sector\r\n";
   EXPECT_TRUE(outcome.out.ends_with(" sector 0\r\n\r\nLoading TOC ...\r\n" + failure +
                                     "\r\nReading sector # 0 [Master Boot Record]\r\n" + failure))
       << outcome.out;
+}
+
+// Without the variable TZ, as users have it: the zone that Windows is set to, with its summer time.
+TEST(WindowsText, TimesAreOfTheZoneThatTheSystemIsSetTo) {
+  const auto time = [](u64 stamp, const std::string& zone) {
+    Disk disk = DynamicMbrDisk();
+    Privhead header = SmallPrivhead();
+    header.timestamp = stamp;
+    PutPrivhead(disk, kPrivheadSector, header);
+    const std::string image = ScratchPath("zone.img");
+    disk.Write(image);
+    const WineDrive drive(image);
+    const Outcome outcome = RunWindowsProgram(WindowsProgram("launcher.exe"),
+                                              {WindowsProgram("trovisk.exe"), drive.Number(), "6"},
+                                              {"TZ=" + zone, "RAW_DISK=zone=system"});
+    std::smatch line;
+    return std::regex_search(outcome.out, line, std::regex("\nTimestamp  *: (.*)\n")) ? line[1].str()
+                                                                                      : outcome.err;
+  };
+  constexpr u64 kSummer = 133'000'000'000'000'000;  // Sat Jun 18 04:26:40 2022 UTC
+  constexpr u64 kWinter = 132'862'000'000'000'000;  // Sun Jan  9 11:06:40 2022 UTC
+  EXPECT_EQ(time(kSummer, "UTC"), "Sat Jun 18 04:26:40 2022");
+  EXPECT_EQ(time(kSummer, "America/New_York"), "Sat Jun 18 00:26:40 2022");
+  EXPECT_EQ(time(kWinter, "America/New_York"), "Sun Jan  9 06:06:40 2022");
+  EXPECT_EQ(time(kSummer, "Asia/Kolkata"), "Sat Jun 18 09:56:40 2022");
+  EXPECT_EQ(time(kWinter, "Australia/Sydney"), "Sun Jan  9 22:06:40 2022");
+  EXPECT_EQ(time(kSummer, "Australia/Sydney"), "Sat Jun 18 14:26:40 2022");
 }
 
 TEST(WindowsText, LineEndsAreThoseOfWindows) {
