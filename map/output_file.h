@@ -46,8 +46,8 @@ class OutputFile {
   std::string complaint_;
 };
 
-// Whether the path is called as a further piece of one of the disks would be: disk.002 beside disk.001, disk.E02 beside
-// disk.E01. Pieces are not open yet when an output is.
+// Whether the path is called as a further piece of one of the disks would be: disk.002 beside disk.001,
+// disk.E02 beside disk.E01. Pieces are not open yet when an output is.
 bool IsNamedAsPieceOf(const std::string& path, const std::vector<std::string>& disks);
 
 // What the files of disks may be called: each argument, and "disk.img" beside "disk.img@4096".
