@@ -1,7 +1,7 @@
-// The sample disks: one structure of each kind that the program decodes, and all of them sound. Their boot code is invented, so only
-// a program that knows that code names it; to any other the volumes that are recognised by their code alone
-// (NTFS, exFAT) are unknown boot sectors.
-// On larger sectors each structure stands at the start of the sector of the same number.
+// The sample disks: one structure of each kind that the program decodes, and all of them sound. Their boot
+// code is invented, so only a program that knows that code names it; to any other the volumes that are
+// recognised by their code alone (NTFS, exFAT) are unknown boot sectors. On larger sectors each structure
+// stands at the start of the sector of the same number.
 
 #ifndef TROVISK_TESTS_DISKS_SAMPLES_H
 #define TROVISK_TESTS_DISKS_SAMPLES_H

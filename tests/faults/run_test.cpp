@@ -205,7 +205,8 @@ TEST(RunFaults, CloseThatFailsIsNotTold) {
   EXPECT_EQ(outcome.calls.Of(Call::kClose), 1u);
 }
 
-// Each of its sectors shows the first bytes of the disk, so that a chain of extended boot records goes on and on.
+// Each of its sectors shows the first bytes of the disk, so that a chain of extended boot records goes on and
+// on.
 TEST(RunFaults, ChainThroughSectorsOfNoBytesEnds) {
   Disk disk(100);
   PutBootRecord(disk, 0, {.entries = {{.type = 0x0F, .first = 1}, {.type = 0x05, .first = 1}}});
