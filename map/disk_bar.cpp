@@ -102,7 +102,8 @@ std::string Labels(const std::vector<Piece>& pieces, const TextStyle& style) {
     constexpr std::size_t kBesideName = 3;  // the letter and two blanks
     constexpr std::size_t kWorthCutting = 8;
     const std::size_t room = piece.columns - std::min(piece.columns, kBesideName);
-    if (!piece.label.empty() && (DisplayWidth(piece.label) <= room || room >= kWorthCutting))
+    // A name may take no column, and has none to stand in all the same.
+    if (!piece.label.empty() && room != 0 && (DisplayWidth(piece.label) <= room || room >= kWorthCutting))
       label.append(" ").append(CutToWidth(piece.label, room, style.utf8));
     line.append(blanks - piece.columns, ' ');
     blanks = piece.columns - DisplayWidth(label);

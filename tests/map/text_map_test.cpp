@@ -285,6 +285,16 @@ TEST(DiskBar, GivesTheSmallestPartitionAColumn) {
   EXPECT_EQ(DiskBar(map, Person(22)), "[ABBBBBBBBBBBBBBBBBBB]\n AB two\n");
 }
 
+TEST(DiskBar, ANameWithoutWidthNeedsRoomAllTheSame) {
+  DiskMap map;
+  map.disk = {.sectorSize = 512, .sectors = u64{1} << 35};
+  map.extents = {
+      {.first = 40, .last = 40, .kind = ExtentKind::kPartition, .name = "\u0300"},
+      {.first = 41, .last = (u64{1} << 35) - 1, .kind = ExtentKind::kPartition, .name = "two"},
+  };
+  EXPECT_EQ(DiskBar(map, Person(22)), "[ABBBBBBBBBBBBBBBBBBB]\n AB two\n");
+}
+
 TEST(DiskBar, ShowsPartitionsOfTheSameSectorsOnce) {
   DiskMap map;
   map.disk = {.sectorSize = 512, .sectors = 20};
