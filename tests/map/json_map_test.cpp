@@ -186,7 +186,7 @@ TEST(JsonMap, StorageSpacesListTheirObjects) {
 }
 
 TEST(JsonMapText, QuotesEscapesAndNulBytesComeBackAsTheyWere) {
-  const std::string harmful("a\"b\\c</script>\x1b[31m\n\0end", 27);
+  const std::string harmful("a\"b\\c</script>\x1b[31m\n\0end", 24);
   EXPECT_EQ(WrittenName(harmful), harmful);
 }
 
