@@ -30,16 +30,19 @@ async function text(element) {
 }
 
 // Marks that turn the direction of a text round are named, not obeyed.
-const DIRECTION = /[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/g;
+const DIRECTION_MARKS = /[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/g;
 
-function shown(key, value) {
+function namingMarks(key, value) {
   if (typeof value !== "string") return value;
-  return value.replace(DIRECTION, (mark) => `[U+${mark.codePointAt(0).toString(16).toUpperCase().padStart(4, "0")}]`);
+  return value.replace(
+    DIRECTION_MARKS,
+    (mark) => `[U+${mark.codePointAt(0).toString(16).toUpperCase().padStart(4, "0")}]`,
+  );
 }
 
 export async function loadDocument() {
   const element = byId("data");
-  Object.assign(doc, JSON.parse(await text(element), shown));
+  Object.assign(doc, JSON.parse(await text(element), namingMarks));
   doc.sectorSize = big(doc.disk.sector_size) || 512n;
   for (const [index, extent] of doc.extents.entries()) {
     extent.index = index;
