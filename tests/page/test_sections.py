@@ -82,7 +82,7 @@ class Sections(unittest.TestCase):
         self.browser.run("document.querySelector('#sector-1 tr[data-field]').focus()")
         ActionChains(self.browser.driver).send_keys(Keys.ARROW_DOWN, Keys.ARROW_DOWN).perform()
         self.assertEqual(self.browser.run(MARKED_FIELDS, 1), ["Header Size"])
-        self.assertEqual(self.browser.run(MARKED_BYTES, 1), [16, 17, 18, 19])
+        self.assertEqual(self.browser.run(MARKED_BYTES, 1), [12, 13, 14, 15])
         self.browser.run("document.querySelector('#sector-1 td[data-at]').focus()")
         ActionChains(self.browser.driver).send_keys(Keys.ARROW_DOWN, Keys.ARROW_DOWN, Keys.ARROW_LEFT).perform()
         self.assertEqual(self.browser.run("return document.activeElement.dataset.at"), "31")
