@@ -31,7 +31,7 @@ std::string HtmlText(std::string_view text) {
 
 std::string HtmlNumber(u64 number) {
   constexpr std::size_t kGroup = 3;
-  const std::string digits = std::to_string(number);
+  std::string digits = std::to_string(number);
   if (digits.size() <= kGroup + 1) return digits;
   const std::size_t first = (digits.size() - 1) % kGroup + 1;
   std::string html = digits.substr(0, first);

@@ -34,7 +34,7 @@ void PutFat32Volume(Disk& disk, u64 sector, u32 hiddenSectors) {
     PutFsInfo(disk, copy + boot.fsInfoSector, {.freeClusters = 65321, .nextCluster = 4712});
   }
   for (u32 fat = 0; fat < boot.fats; ++fat) {
-    disk.At(sector + boot.reservedSectors + fat * boot.fatSize32)
+    disk.At(sector + boot.reservedSectors + u64{fat} * boot.fatSize32)
         .Le32(0, 0x0FFFFFF8)
         .Le32(4, 0x0FFFFFFF)
         .Le32(8, 0x0FFFFFFF);
