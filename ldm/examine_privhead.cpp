@@ -99,9 +99,10 @@ void AddCopiesFromTail(std::vector<Copy>& copies, u64 last, u64 lastOnDisk) {
   const u64 bytesPerSector = disk.bytesPerSector;
   if (last > lastOnDisk || bytesPerSector < 512) return;
   const u64 piece = std::max<u64>(kPieceBytes / bytesPerSector, 1);
-  u64 sector = last - std::min(last, kTailSectors - 1);
-  while (sector <= last && copies.size() < 2 * kCopies) {
-    const u64 count = std::min(piece, last - sector + 1);
+  u64 left = std::min(last, kTailSectors - 1) + 1;
+  u64 sector = last - left + 1;
+  while (left > 0 && copies.size() < 2 * kCopies) {
+    const u64 count = std::min(piece, left);
     const auto bytes = ReadSectors(sector, count);
     for (u64 i = 0; bytes && i < count && copies.size() < 2 * kCopies; ++i) {
       const Bytes one = SliceAt(*bytes, i * bytesPerSector, 512);
@@ -110,6 +111,7 @@ void AddCopiesFromTail(std::vector<Copy>& copies, u64 last, u64 lastOnDisk) {
       }
     }
     sector += count;
+    left -= count;
   }
 }
 

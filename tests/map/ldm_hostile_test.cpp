@@ -69,6 +69,14 @@ TEST(HostileLdm, MoreRecordsThanAnyGroupHasAreCut) {
   EXPECT_EQ(examined.dynamic->remarks, Texts{"Only the first 16384 records were read, 3616 were left out."});
 }
 
+// A metadata partition may end where numbers do, if nobody knows where the disk ends.
+TEST(HostileLdm, ConfigurationInTheLastSectorThatCanBeNumberedEnds) {
+  const Disk built(8);
+  const OpenedDisk opened(built);
+  std::vector<Check> checks;
+  EXPECT_FALSE(ExamineDynamicDisk(kMost, kMost, checks).has_value());
+}
+
 // 65536 slots are 8 MiB; each claims to be the first of 32 of a record of its own.
 TEST(HostileLdm, RegionThatIsFullOfPiecesTakesLittleTimeAndMemory) {
   const std::string path = ScratchPath("pieces.img");
