@@ -33,7 +33,7 @@ void WriteData(const DiskMap& map, const StructureVisitor& structures, std::vect
                const std::function<void(std::string_view)>& write) {
   PageData data(write);
   const auto visitAndNote = [&](const std::function<void(const Structure&)>& visit) {
-    structures([&](const Structure& structure) {
+    return structures([&](const Structure& structure) {
       lines.push_back({structure.sector, structure.count, structure.title, structure.valid});
       Structure shown = structure;
       shown.text = WithoutDump(structure);

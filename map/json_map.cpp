@@ -179,6 +179,13 @@ void WriteStorageSpaces(JsonWriter& json, const StorageSpaces& spaces) {
 
 }  // namespace
 
+std::string StructureAsText(const Structure& structure) {
+  std::string text;
+  JsonWriter json([&](std::string_view piece) { text += piece; });
+  WriteStructure(json, structure);
+  return text;
+}
+
 void WriteMapAsJson(const DiskMap& map, const StructureVisitor& structures,
                     const std::function<void(std::string_view)>& write) {
   JsonWriter json(write);
@@ -190,7 +197,7 @@ void WriteMapAsJson(const DiskMap& map, const StructureVisitor& structures,
     json.Item(ExtentAsJson(extent));
   json.Close();
   json.OpenList("structures");
-  structures([&](const Structure& structure) { WriteStructure(json, structure); });
+  const auto cutBehind = structures([&](const Structure& structure) { WriteStructure(json, structure); });
   json.Close();
   json.OpenList("checks");
   for (const Check& check : map.checks)
@@ -206,7 +213,10 @@ void WriteMapAsJson(const DiskMap& map, const StructureVisitor& structures,
   } else {
     json.Member("storage_spaces", nullptr);
   }
-  json.Member("cut", map.cut);
+  std::vector<std::string> cut = map.cut;
+  if (cutBehind)
+    cut.push_back("Structures behind sector " + std::to_string(*cutBehind) + " are not among these.");
+  json.Member("cut", cut);
   json.Close();
 }
 

@@ -4,6 +4,8 @@
 #define TROVISK_MAP_JSON_MAP_H
 
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "map/model.h"
@@ -13,8 +15,11 @@ namespace trovisk {
 // What a document says of its own form. The number grows where a reader of the last form would be wrong.
 inline constexpr std::string_view kMapSchema = "trovisk-map/1";
 
-// Calls back for each structure, as VisitStructures does.
-using StructureVisitor = std::function<void(const std::function<void(const Structure&)>&)>;
+// Calls back for each structure, and gives what VisitStructures gives.
+using StructureVisitor = std::function<std::optional<u64>(const std::function<void(const Structure&)>&)>;
+
+// The item of one structure.
+std::string StructureAsText(const Structure& structure);
 
 // Hands the document over piece by piece, so that it need not fit into memory. structures is called once. '<'
 // stands in no place but inside of strings.

@@ -102,6 +102,9 @@ Structure Show(const SectorToc::Found& found, u64 lastOnDisk) {
   return structure;
 }
 
+// Fields of equal sectors in a row are read as well; they take time, if no place.
+constexpr u64 kMostFieldsRead = 16 * kMostFields;
+
 bool AreAlike(const Structure& a, const Structure& b) {
   return a.structure == b.structure && a.title == b.title && a.valid == b.valid && !b.bytes.empty() &&
          a.bytes == b.bytes && a.sector + a.count == b.sector;
@@ -109,31 +112,39 @@ bool AreAlike(const Structure& a, const Structure& b) {
 
 }  // namespace
 
-void ShowStructures(const SectorToc& visited, u64 lastOnDisk,
-                    const std::function<void(const Structure&)>& show) {
+std::optional<u64> ShowStructures(const SectorToc& visited, u64 lastOnDisk,
+                                  const std::function<void(const Structure&)>& show) {
   report.Start();                    // a report of its own: numbers begin as they do there
   std::optional<Structure> waiting;  // for others like it
-  u64 shown = 0;
+  u64 structures = 0;                // with the one that waits
+  u64 fields = 0;
+  u64 fieldsRead = 0;
+  std::optional<u64> cutBehind;
   BeginPass("structures", 0, lastOnDisk);
-  for (u64 position = 0; shown < kMostStructures;) {
+  for (u64 position = 0;;) {
     const auto found = visited.FirstAtOrAfter(position);
     if (!found) break;
+    if (structures >= kMostStructures || fields >= kMostFields || fieldsRead >= kMostFieldsRead) {
+      cutBehind = position - 1;
+      break;
+    }
     BetweenSectors(found->first);
     Structure structure = Show(*found, lastOnDisk);
     if (KindOf(found->entry.decoder).alike) structure.count = found->last - found->first + 1;
     position = structure.sector + structure.count;
+    fieldsRead += structure.fields.size();
     if (waiting && AreAlike(*waiting, structure)) {
       waiting->count += structure.count;
     } else {
-      if (waiting) {
-        show(*waiting);
-        ++shown;
-      }
+      if (waiting) show(*waiting);
+      ++structures;
+      fields += structure.fields.size();
       waiting = std::move(structure);
     }
     if (position == 0) break;
   }
-  if (waiting && shown < kMostStructures) show(*waiting);
+  if (waiting) show(*waiting);
+  return cutBehind;
 }
 
 }  // namespace trovisk

@@ -111,10 +111,6 @@ DiskMap Survey(const char* argument, Catcher& catcher) {
   map.structures = walk.count;
   map.invalidStructures = walk.invalid;
   std::move(walk.cut.begin(), walk.cut.end(), std::back_inserter(map.cut));
-  if (walk.count > kMostStructures) {
-    map.cut.push_back("Of " + std::to_string(walk.count) + " structures about " +
-                      std::to_string(kMostStructures) + " are shown.");
-  }
   AddOtherReading(map, tables);
   ArrangeExtents(map.extents, map.disk.sectors);
   std::stable_sort(map.checks.begin(), map.checks.end(),
@@ -146,8 +142,8 @@ std::optional<DiskMap> SurveyDisk(const char* argument) {
   return Survey(argument, catcher);
 }
 
-void VisitStructures(const std::function<void(const Structure&)>& visit) {
-  ShowStructures(visited, lastOnDisk, visit);
+std::optional<u64> VisitStructures(const std::function<void(const Structure&)>& visit) {
+  return ShowStructures(visited, lastOnDisk, visit);
 }
 
 void CloseSurvey() {

@@ -14,8 +14,9 @@ namespace trovisk {
 // line has it.
 std::optional<DiskMap> SurveyDisk(const char* argument);
 
-// Calls back for each structure of the surveyed disk, by sector, one at a time: nothing is kept.
-void VisitStructures(const std::function<void(const Structure&)>& visit);
+// Calls back for each structure of the surveyed disk, by sector, one at a time: nothing is kept. Gives the
+// sector behind which structures are left out, as there are too many; none where all were shown.
+std::optional<u64> VisitStructures(const std::function<void(const Structure&)>& visit);
 
 void CloseSurvey();
 

@@ -19,13 +19,7 @@ namespace {
 
 std::string Page(const DiskMap& map, const std::vector<Structure>& structures = {}) {
   std::string page;
-  WriteMapAsPage(
-      map,
-      [&](const std::function<void(const Structure&)>& visit) {
-        for (const Structure& structure : structures)
-          visit(structure);
-      },
-      [&](std::string_view piece) { page += piece; });
+  WriteMapAsPage(map, VisitorOf(structures), [&](std::string_view piece) { page += piece; });
   return page;
 }
 

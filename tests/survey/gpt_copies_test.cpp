@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "map/structures.h"
+#include "map/survey.h"
 #include "tests/disks/gpt.h"
 #include "tests/survey/surveyed.h"
 
@@ -243,11 +245,35 @@ TEST(GptCopies, ATableOfAMillionEntriesIsCut) {
     const DiskMap map = SurveyOf(disk);
     EXPECT_EQ(PartitionsOf(map).size(), 8192u + 1);
     EXPECT_EQ(map.cut, (Lines{"The contents of 4096 partitions were not looked at.",
-                              "Of 20000 partitions of the primary GPT the first 8192 are shown.",
-                              "Of 262147 structures about 16384 are shown."}));
+                              "Of 20000 partitions of the primary GPT the first 8192 are shown."}));
+    // MBR, header, the sectors of the used entries, those of the unused ones in a row, and the last of them.
+    EXPECT_EQ(StructuresNow().size(), 2 + 20000 / 4 + 2 + 1);
     std::exit(::testing::Test::HasFailure() ? 1 : 0);
   });
   EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
+}
+
+// As many of a sector's bytes as it has are entries; what is shown of them is bounded whatever its size.
+TEST(GptCopies, StructuresOfLargeSectorsAreCutSooner) {
+  constexpr u64 kEntries = u64{1} << 17;
+  constexpr u64 kArray = kEntries * 128 / 4096;
+  Disk disk(2 * kArray, 4096);
+  PutProtectiveMbr(disk);
+  std::vector<GptEntry> entries(kEntries);
+  for (u64 i = 0; i < kEntries; ++i)
+    entries[i] = {.first = kArray + i, .last = kArray + i};
+  PutGptEntries(disk, 2, entries);
+  PutGptHeader(disk, 1, {.entryCount = kEntries});
+  SurveyOf(disk);
+  u64 fields = 0;
+  u64 last = 0;
+  const auto cutBehind = VisitStructures([&](const Structure& structure) {
+    fields += structure.fields.size();
+    last = structure.sector;
+  });
+  EXPECT_EQ(cutBehind, last);
+  EXPECT_GE(fields, kMostFields);
+  EXPECT_LT(fields, kMostFields + 32 * 8);
 }
 
 TEST(GptCopies, PartitionsOutsideTheUsableSectorsAndOverEachOther) {
