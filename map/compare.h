@@ -13,8 +13,8 @@ inline constexpr int kMapsEqual = 0;
 inline constexpr int kMapsDiffer = 1;
 inline constexpr int kMapsNotCompared = 3;  // one of the two is no disk and no map
 
-// Each argument is a disk, which is surveyed, or a file with the map of one as JSON, told by its first
-// characters; in UTF-8. Hands over one line for each difference and gives the exit status. Where the maps
+// Each argument is a disk, which is surveyed, or a file or pipe with the map of one as JSON, told by its
+// first bytes; in UTF-8. Hands over one line for each difference and gives the exit status. Where the maps
 // cannot be compared complaint becomes one line that says why, without a line end; it stays empty where the
 // survey has said so already. Disks are closed again.
 int CompareMaps(const std::string& before, const std::string& after,

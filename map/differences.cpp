@@ -4,6 +4,7 @@
 #include <map>
 #include <numeric>
 
+#include "frame/report/report.h"
 #include "map/byte_differences.h"
 #include "map/item_pairs.h"
 #include "map/json_writer.h"
@@ -22,9 +23,11 @@ struct Section {
   std::vector<std::size_t> place;  // the values that say where an item is
 };
 
-// As it stands where it cannot be taken for anything else, otherwise as JSON writes it.
+// As it stands where it cannot be taken for anything else, otherwise as JSON writes it. A name of the disk's
+// could be made to look like the rest of its line, or like another line's.
 std::string Shown(std::string_view value) {
   const bool plain = !value.empty() && value.front() != ' ' && value.back() != ' ' &&
+                     value.find("->") == std::string_view::npos &&
                      std::all_of(value.begin(), value.end(), [](char character) {
                        return character >= ' ' && character <= '~' && character != '"' && character != '\\';
                      });
@@ -39,28 +42,34 @@ std::string Shown(std::string_view value) {
   return JsonText(Json(value)) + (cut ? "..." : "");
 }
 
+// The same of what more words follow on its line.
+std::string Word(std::string_view value) {
+  const bool plain = value.find_first_of(":;,()") == std::string_view::npos;
+  return plain || value.size() > kLongestValue ? Shown(value) : JsonText(Json(value));
+}
+
 std::string Range(const DocumentItem& extent) {
-  return Shown(extent.values[kExtentFirst]) + "-" + Shown(extent.values[kExtentLast]);
+  return Word(extent.values[kExtentFirst]) + "-" + Word(extent.values[kExtentLast]);
 }
 
 std::string ExtentTitle(const DocumentItem& extent) {
-  std::string text = Shown(extent.values[kExtentKind]) + " " + Range(extent);
-  if (!extent.values[kExtentTypeName].empty()) text.append(" ").append(Shown(extent.values[kExtentTypeName]));
-  if (!extent.values[kExtentName].empty()) text.append(", ").append(Shown(extent.values[kExtentName]));
+  std::string text = Word(extent.values[kExtentKind]) + " " + Range(extent);
+  if (!extent.values[kExtentTypeName].empty()) text.append(" ").append(Word(extent.values[kExtentTypeName]));
+  if (!extent.values[kExtentName].empty()) text.append(", ").append(Word(extent.values[kExtentName]));
   return text.append(" (").append(Shown(extent.values[kExtentSource])).append(")");
 }
 
 std::string StructureTitle(const DocumentItem& structure) {
-  return "structure " + Shown(structure.values[kStructureKind]) + " in sector " +
-         Shown(structure.values[kStructureSector]) + " (" + Shown(structure.values[kStructureTitle]) + ")";
+  return "structure " + Word(structure.values[kStructureKind]) + " in sector " +
+         Word(structure.values[kStructureSector]) + " (" + Shown(structure.values[kStructureTitle]) + ")";
 }
 
 std::string CheckTitle(const DocumentItem& check) {
-  return "check " + Shown(check.values[kCheckName]) + " in sector " + Shown(check.values[kCheckSector]);
+  return "check " + Word(check.values[kCheckName]) + " in sector " + Word(check.values[kCheckSector]);
 }
 
 std::string OtherTitle(const DocumentItem& other) {
-  return Shown(other.values[0]);
+  return Word(other.values[0]);
 }
 
 // Hands the lines over, as many as somebody reads.
@@ -87,28 +96,29 @@ std::string Turn(std::string_view before, std::string_view after) {
 // The fields of one label keep their order.
 using FieldMap = std::map<std::pair<std::string_view, std::size_t>, const DocumentField*>;
 
-FieldMap FieldsByLabel(const DocumentItem& item) {
+FieldMap FieldsByLabel(const std::vector<DocumentField>& fields) {
   FieldMap byLabel;
   std::map<std::string_view, std::size_t> seen;
-  for (const DocumentField& field : item.fields)
+  for (const DocumentField& field : fields)
     byLabel[{field.label, seen[field.label]++}] = &field;
   return byLabel;
 }
 
 // Gives the bytes that the changed fields lie in.
-std::vector<ByteRange> CompareFields(Lines& lines, const std::string& title, const DocumentItem& before,
-                                     const DocumentItem& after) {
+std::vector<ByteRange> CompareFields(Lines& lines, const std::string& title,
+                                     const std::vector<DocumentField>& before,
+                                     const std::vector<DocumentField>& after) {
   std::vector<ByteRange> told;
   FieldMap rest = FieldsByLabel(after);
   std::map<std::string_view, std::size_t> seen;
-  for (const DocumentField& field : before.fields) {
+  for (const DocumentField& field : before) {
     const auto other = rest.find({field.label, seen[field.label]++});
     if (other == rest.end()) {
-      lines.Add("removed: " + title + ": " + Shown(field.label) + ": " + Shown(field.value));
+      lines.Add("removed: " + title + ": " + Word(field.label) + ": " + Shown(field.value));
       continue;
     }
     if (field.value != other->second->value) {
-      lines.Add("changed: " + title + ": " + Shown(field.label) + ": " +
+      lines.Add("changed: " + title + ": " + Word(field.label) + ": " +
                 Turn(field.value, other->second->value));
       if (field.offset && field.offset == other->second->offset)
         told.push_back({*field.offset, field.length});
@@ -116,11 +126,26 @@ std::vector<ByteRange> CompareFields(Lines& lines, const std::string& title, con
     rest.erase(other);
   }
   seen.clear();
-  for (const DocumentField& field : after.fields) {
+  for (const DocumentField& field : after) {
     if (rest.contains({field.label, seen[field.label]++}))
-      lines.Add("added: " + title + ": " + Shown(field.label) + ": " + Shown(field.value));
+      lines.Add("added: " + title + ": " + Word(field.label) + ": " + Shown(field.value));
   }
   return told;
+}
+
+void CompareContents(Lines& lines, const std::string& title, const ItemContents& before,
+                     const ItemContents& after) {
+  std::vector<ByteRange> told;
+  // A structure that is no longer decoded loses all of its fields at once.
+  if (after.fields.empty() && before.fields.size() > 1) {
+    lines.Add("removed: " + title + ": all " + std::to_string(before.fields.size()) + " fields");
+  } else if (before.fields.empty() && after.fields.size() > 1) {
+    lines.Add("added: " + title + ": all " + std::to_string(after.fields.size()) + " fields");
+  } else {
+    told = CompareFields(lines, title, before.fields, after.fields);
+  }
+  const std::string bytes = ByteDifferences(before.bytes, after.bytes, told);
+  if (!bytes.empty()) lines.Add("changed: " + title + ": " + bytes);
 }
 
 bool IsSamePlace(const Section& section, const DocumentItem& before, const DocumentItem& after) {
@@ -158,15 +183,15 @@ void CompareItems(Lines& lines, const Section& section, const DocumentItem& befo
     lines.Add("changed: " + title + ": " + std::string(section.labels[value]) + ": " +
               Turn(before.values[value], after.values[value]));
   }
-  const std::vector<ByteRange> told = CompareFields(lines, title, before, after);
-  const std::string bytes = ByteDifferences(before.bytes, after.bytes, told);
-  if (!bytes.empty()) lines.Add("changed: " + title + ": " + bytes);
+  if (before.contents != after.contents)
+    CompareContents(lines, title, Unpack(before.contents), Unpack(after.contents));
 }
 
 void CompareSections(Lines& lines, const Section& section, const DocumentItems& before,
                      const DocumentItems& after) {
   const ItemPairs items = PairItems(before, after, section.keys);
   for (const auto& [one, other] : items.pairs) {
+    EndIfInterrupted();
     if (other != nullptr) {
       CompareItems(lines, section, *one, *other);
     } else {

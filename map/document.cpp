@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <sstream>
 
 #include "frame/examination.h"
 #include "map/base64.h"
@@ -40,9 +41,8 @@ std::optional<u64> NumberIn(std::string_view text) {
 
 DocumentItem ItemOf(const DocumentJson& object, std::span<const std::string_view> labels) {
   DocumentItem item;
-  item.values.reserve(labels.size() + 1);
   for (const std::string_view label : labels)
-    item.values.push_back(MemberText(object, label));
+    item.values.Add(MemberText(object, label));
   return item;
 }
 
@@ -52,23 +52,24 @@ void AddExtent(Document& document, const DocumentJson& object) {
   const auto first = NumberIn(item.values[kExtentFirst]);
   const auto last = NumberIn(item.values[kExtentLast]);
   const bool sized = first && last && *first <= *last && *last - *first != ~u64{0};
-  item.values.push_back(sized ? std::to_string(*last - *first + 1) : std::string());
+  item.values.Add(sized ? std::to_string(*last - *first + 1) : std::string());
   document.extents.push_back(std::move(item));
 }
 
 void AddStructure(Document& document, const DocumentJson& object) {
   DocumentItem item = ItemOf(object, kStructureLabels);
-  item.bytes = FromBase64(MemberText(object, "bytes"));
-  const auto sum = crc32(0, item.bytes.data(), static_cast<uInt>(item.bytes.size()));
-  item.values.push_back(item.bytes.empty() ? std::string() : Hex32(sum));
+  ItemContents contents{.bytes = FromBase64(MemberText(object, "bytes"))};
+  const auto sum = crc32(0, contents.bytes.data(), static_cast<uInt>(contents.bytes.size()));
+  item.values.Add(contents.bytes.empty() ? std::string() : Hex32(sum));
   if (const auto fields = object.find("fields"); fields != object.end() && fields->is_array()) {
     for (const DocumentJson& field : *fields) {
       if (!field.is_object()) continue;
-      item.fields.push_back({MemberText(field, "label"), MemberText(field, "value"),
-                             NumberIn(MemberText(field, "offset")),
-                             NumberIn(MemberText(field, "length")).value_or(0)});
+      contents.fields.push_back({MemberText(field, "label"), MemberText(field, "value"),
+                                 NumberIn(MemberText(field, "offset")),
+                                 NumberIn(MemberText(field, "length")).value_or(0)});
     }
   }
+  item.contents = Pack(contents);
   document.structures.push_back(std::move(item));
 }
 
@@ -85,6 +86,7 @@ std::string NameOf(const DocumentJson& object, std::size_t index) {
 void AddObject(DocumentItems& items, const DocumentJson& object, const std::string& path) {
   const std::size_t place = items.size();
   items.push_back({{path}});
+  ItemContents contents;
   for (const auto& [key, value] : object.items()) {
     if (value.is_object()) {
       std::string way = path;
@@ -98,11 +100,12 @@ void AddObject(DocumentItems& items, const DocumentJson& object, const std::stri
       }
     } else if (value.is_array()) {
       for (const DocumentJson& each : value)
-        items[place].fields.push_back({key, TextOf(each)});
+        contents.fields.push_back({key, TextOf(each)});
     } else {
-      items[place].fields.push_back({key, TextOf(value)});
+      contents.fields.push_back({key, TextOf(value)});
     }
   }
+  items[place].contents = Pack(contents);
 }
 
 void AddOthers(Document& document, DocumentJson& root) {
@@ -114,25 +117,17 @@ void AddOthers(Document& document, DocumentJson& root) {
     if (const auto part = root.find(key); part != root.end() && part->is_object())
       AddObject(document.others, *part, key);
   }
-  DocumentItem cut{{"cut"}};
+  ItemContents cut;
   if (const auto sentences = root.find("cut"); sentences != root.end() && sentences->is_array()) {
     for (const DocumentJson& sentence : *sentences)
       cut.fields.push_back({"cut", TextOf(sentence)});
   }
-  document.others.push_back(std::move(cut));
+  document.others.push_back({{"cut"}, Pack(cut)});
 }
 
 }  // namespace
 
-bool LooksLikeDocument(std::string_view head) {
-  if (head.starts_with("\xEF\xBB\xBF")) head.remove_prefix(3);
-  const auto brace = head.find_first_not_of(" \t\r\n");
-  if (brace == std::string_view::npos || head[brace] != '{') return false;
-  const auto next = head.find_first_not_of(" \t\r\n", brace + 1);
-  return next != std::string_view::npos && (head[next] == '"' || head[next] == '}');
-}
-
-std::optional<Document> ParseDocument(std::string_view text, std::string& complaint) {
+std::optional<Document> ParseDocument(std::istream& text, std::string& complaint) {
   Document document;
   DocumentJson root;
   const auto take = [&](const std::string& list, const DocumentJson& item) {
@@ -148,6 +143,26 @@ std::optional<Document> ParseDocument(std::string_view text, std::string& compla
     return std::nullopt;
   }
   AddOthers(document, root);
+  return document;
+}
+
+Document DocumentOf(const DiskMap& map, const StructureVisitor& structures) {
+  // One structure at a time: all of them as text are more than their items.
+  DocumentItems items;
+  const auto visit = [&](const std::function<void(const Structure&)>& /*visit*/) {
+    return structures([&](const Structure& structure) {
+      Structure shortened = structure;
+      shortened.text.clear();
+      Document alone;
+      AddStructure(alone, DocumentJson::parse(StructureAsText(shortened)));
+      items.push_back(std::move(alone.structures.front()));
+    });
+  };
+  std::stringstream text;
+  WriteMapAsJson(map, visit, [&](std::string_view piece) { text << piece; });
+  std::string complaint;
+  Document document = ParseDocument(text, complaint).value_or(Document());
+  document.structures = std::move(items);
   return document;
 }
 

@@ -4,28 +4,24 @@
 #define TROVISK_MAP_DOCUMENT_H
 
 #include <array>
+#include <functional>
+#include <istream>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/bytes.h"
+#include "map/item_contents.h"
+#include "map/item_values.h"
+#include "map/json_map.h"
 
 namespace trovisk {
 
-// A labelled value, as text: numbers in decimal, lists of words with commas.
-struct DocumentField {
-  std::string label;
-  std::string value;
-  std::optional<u64> offset = {};  // bytes from the start of the sector, where the field stands in one place
-  u64 length = 0;                  // bytes
-};
-
 // One extent, structure or check, or one object of what belongs together.
 struct DocumentItem {
-  std::vector<std::string> values;  // in the order of the section's labels
-  std::vector<DocumentField> fields = {};
-  std::vector<u8> bytes = {};  // of a structure's sector
+  ItemValues values = {};     // in the order of the section's labels
+  std::string contents = {};  // packed
 };
 
 using DocumentItems = std::vector<DocumentItem>;
@@ -74,12 +70,12 @@ struct Document {
   DocumentItems others;
 };
 
-// Whether a file that begins so is a saved map, not a disk.
-bool LooksLikeDocument(std::string_view head);
-
 // None where the text is no document, or more than a map ever is; then complaint says why, in words that go
 // on behind the file's name. Nothing in it is taken on trust: what is missing is empty.
-std::optional<Document> ParseDocument(std::string_view text, std::string& complaint);
+std::optional<Document> ParseDocument(std::istream& text, std::string& complaint);
+
+// The document of a map that has just been surveyed, as if it had been saved.
+Document DocumentOf(const DiskMap& map, const StructureVisitor& structures);
 
 }  // namespace trovisk
 

@@ -3,12 +3,15 @@
 #include <vector>
 
 #include "frame/bytes.h"
+#include "frame/report/report.h"
 
 namespace trovisk {
 namespace {
 
 constexpr std::size_t kDeepest = 16;           // twice what a map needs
-constexpr u64 kMostValues = u64{1} << 20;      // of the whole document
+constexpr u64 kMostValues = u64{1} << 23;      // of the whole document
+constexpr u64 kMostItems = u64{1} << 17;       // of its lists
+constexpr u64 kMostKept = u64{1} << 18;        // values at the same time
 constexpr std::string_view kTextKey = "text";  // of structures
 
 // What the parser calls, value by value. Each function gives whether it should go on.
@@ -16,7 +19,8 @@ class Reader {
  public:
   using Take = std::function<void(const std::string& list, const DocumentJson& item)>;
 
-  Reader(std::size_t size, const Take& take, DocumentJson& root) : size_(size), take_(take), root_(root) {}
+  Reader(const std::istream& text, const Take& take, DocumentJson& root)
+      : text_(text), take_(take), root_(root) {}
 
   const std::string& Complaint() const { return complaint_; }
 
@@ -42,18 +46,20 @@ class Reader {
   }
   bool parse_error(std::size_t position, const std::string& /*token*/,
                    const DocumentJson::exception& /*why*/) {
-    complaint_ = position > size_ ? "is cut off: the document has no end"
-                                  : "is damaged: no JSON at byte " + std::to_string(position);
+    complaint_ = text_.eof() ? "is cut off: the document has no end"
+                             : "is damaged: no JSON at byte " + std::to_string(position);
     return false;
   }
   // NOLINTEND(readability-identifier-naming)
 
  private:
   DocumentJson* Put(DocumentJson value) {
-    if (++values_ > kMostValues) {
-      complaint_ = "is too large: it holds more than " + std::to_string(kMostValues) + " values";
+    EndIfInterrupted();
+    if (++values_ > kMostValues || ++kept_ > kMostKept || items_ > kMostItems) {
+      complaint_ = "is too large: no map holds so many values";
       return nullptr;
     }
+    if (open_.size() == 2) keptBeforeItem_ = kept_ - 1;
     DocumentJson* place = &root_;
     if (!open_.empty()) {
       DocumentJson& around = *open_.back();
@@ -79,26 +85,31 @@ class Reader {
     if (open_.size() == 2 && open_[1]->is_array() && closed.is_object()) {
       take_(list_, closed);
       open_[1]->erase(open_[1]->size() - 1);
+      kept_ = keptBeforeItem_;
+      ++items_;
     }
     return true;
   }
 
-  std::size_t size_;  // of the text, bytes
+  const std::istream& text_;
   const Take& take_;
   DocumentJson& root_;
   std::vector<DocumentJson*> open_;  // from the root on
   std::string key_;                  // of the next value
   std::string list_;                 // the root's member
   u64 values_ = 0;
+  u64 items_ = 0;
+  u64 kept_ = 0;            // values that are in memory now
+  u64 keptBeforeItem_ = 0;  // those of them that do not belong to the item that is read
   std::string complaint_;
 };
 
 }  // namespace
 
-std::string ReadDocument(std::string_view text,
+std::string ReadDocument(std::istream& text,
                          const std::function<void(const std::string& list, const DocumentJson& item)>& take,
                          DocumentJson& root) {
-  Reader reader(text.size(), take, root);
+  Reader reader(text, take, root);
   if (DocumentJson::sax_parse(text, &reader)) return {};
   return reader.Complaint().empty() ? "is no document" : reader.Complaint();
 }

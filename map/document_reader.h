@@ -5,9 +5,9 @@
 #define TROVISK_MAP_DOCUMENT_READER_H
 
 #include <functional>
+#include <istream>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <string_view>
 
 namespace trovisk {
 
@@ -16,7 +16,7 @@ using DocumentJson = nlohmann::json;
 // Calls back for each object that is an item of a list of the document's own members, with the member's name,
 // and does not keep it. The rest of the document becomes root. The texts of structures are left out. Gives
 // what is wrong with the document, in words that go on behind the file's name; empty: nothing.
-std::string ReadDocument(std::string_view text,
+std::string ReadDocument(std::istream& text,
                          const std::function<void(const std::string& list, const DocumentJson& item)>& take,
                          DocumentJson& root);
 

@@ -11,8 +11,8 @@ using Keyed = std::vector<std::pair<std::string, std::size_t>>;
 Keyed KeyedItems(const DocumentItems& items, const std::vector<bool>& paired, const ItemKey& key) {
   Keyed keyed;
   for (std::size_t i = 0; i < items.size(); ++i) {
-    const std::vector<std::string>& values = items[i].values;
-    if (paired[i] || (values[key.back()].empty() && key.size() < values.size())) continue;
+    const ItemValues& values = items[i].values;
+    if (paired[i] || (values[key.back()].empty() && key.size() < values.Count())) continue;
     std::string text;
     for (const std::size_t value : key)
       text.append(std::to_string(values[value].size())).append(":").append(values[value]);

@@ -6,10 +6,12 @@
 
 #include <cstdio>
 #include <fstream>
+#include <sstream>
 
 #include "map/byte_differences.h"
 #include "map/differences.h"
 #include "map/document.h"
+#include "map/saved_map.h"
 #include "tests/map/written.h"
 
 namespace trovisk::test {
@@ -20,11 +22,16 @@ struct Side {
   std::vector<Structure> structures = {};
 };
 
+std::optional<Document> Parsed(const std::string& text, std::string& complaint) {
+  std::istringstream stream(text);
+  return ParseDocument(stream, complaint);
+}
+
 // The lines of the comparison of two maps that went through JSON.
 std::string Differences(const Side& before, const Side& after) {
   std::string complaint;
-  const auto first = ParseDocument(Written(before.map, before.structures), complaint);
-  const auto second = ParseDocument(Written(after.map, after.structures), complaint);
+  const auto first = Parsed(Written(before.map, before.structures), complaint);
+  const auto second = Parsed(Written(after.map, after.structures), complaint);
   if (!first || !second) return "no document: " + complaint;
   std::string text;
   u64 lines = 0;
@@ -38,7 +45,7 @@ std::string Differences(const Side& before, const Side& after) {
 
 std::string ComplaintAbout(const std::string& text) {
   std::string complaint;
-  EXPECT_FALSE(ParseDocument(text, complaint).has_value()) << text.substr(0, 80);
+  EXPECT_FALSE(Parsed(text, complaint).has_value()) << text.substr(0, 80);
   return complaint;
 }
 
@@ -213,6 +220,21 @@ TEST(CompareStructures, FieldByFieldWithTheirOccurrences) {
                                             "added: " + title + "More: 5\n");
 }
 
+// One zeroed sector is one line for the structure, not one for each of its fields.
+TEST(CompareStructures, OneThatIsNoLongerDecodedLosesItsFieldsAtOnce) {
+  Side before = {{}, {Header(1, {1, 2})}};
+  Side after = {{}, {Header(1, {0, 0})}};
+  before.structures[0].fields = {{"Name", "a", 0, 1, true}, {"Size", "2", 1, 1, true}};
+  after.structures[0].valid = false;
+  const std::string title = "structure gpt_header in sector 1 (Primary GPT Header): ";
+  EXPECT_EQ(Differences(before, after), "changed: " + title + "valid: true -> false\n" + "removed: " + title +
+                                            "all 2 fields\n" + "changed: " + title +
+                                            "bytes 0x0-0x1: 0102 -> 0000\n");
+  EXPECT_EQ(Differences(after, before), "changed: " + title + "valid: false -> true\n" + "added: " + title +
+                                            "all 2 fields\n" + "changed: " + title +
+                                            "bytes 0x0-0x1: 0000 -> 0102\n");
+}
+
 // What a changed field tells already is not told once more as bytes.
 TEST(CompareStructures, BytesThatNoFieldTells) {
   Side before = {{}, {Header(1, {1, 2, 3, 4, 5})}};
@@ -281,6 +303,15 @@ TEST(CompareLines, AreSafeWhateverTheDocumentsHold) {
             "added: partition 1-2, \"a\\u001b[31m\\n\\u202eb\\\"\\\\\\u009b\" (GPT entry 1)\n");
 }
 
+// A name that reads like the rest of its line, or like a change.
+TEST(CompareLines, CannotBeForgedByNames) {
+  EXPECT_EQ(Differences({}, WithExtents({Partition(1, 2, "x (GPT entry 9)", "")})),
+            "added: partition 1-2 Linux, \"x (GPT entry 9)\" (GPT entry 1)\n");
+  EXPECT_EQ(Differences(WithExtents({Partition(1, 2, "a: name: b", "a-b")}),
+                        WithExtents({Partition(1, 2, "c -> d", "a-b")})),
+            "changed: partition 1-2 Linux, \"a: name: b\" (GPT entry 1): name: a: name: b -> \"c -> d\"\n");
+}
+
 TEST(CompareLines, LongValuesAreCutBetweenCharacters) {
   std::string name(119, 'x');
   name += "\u00e9\u00e9\u00e9";
@@ -318,12 +349,12 @@ TEST(ByteDifferencesText, ShowsTheFirstStretchesAndCountsTheRest) {
 // The document as another program would write it: other order, other spaces.
 TEST(Documents, OrderOfMembersDoesNotMatter) {
   std::string complaint;
-  const auto document = ParseDocument(
+  const auto document = Parsed(
       R"({"checks":[],"extents":[{"last":9,"first":"1"}],"disk":{"path":"x"},"schema":"trovisk-map/1"})",
       complaint);
   ASSERT_TRUE(document.has_value()) << complaint;
-  EXPECT_EQ(document->extents.at(0).values.at(kExtentFirst), "1");
-  EXPECT_EQ(document->extents.at(0).values.at(kExtentSize), "9");
+  EXPECT_EQ(document->extents.at(0).values[kExtentFirst], "1");
+  EXPECT_EQ(document->extents.at(0).values[kExtentSize], "9");
 }
 
 TEST(Documents, AnotherVersionIsRefused) {
@@ -358,20 +389,20 @@ TEST(Documents, DeepNestingIsRefused) {
   std::string items = R"({"schema": "trovisk-map/1", "extents": [)";
   items.append(13, '[').append(14, ']').append("}");
   std::string complaint;
-  EXPECT_TRUE(ParseDocument(items, complaint).has_value()) << complaint;
+  EXPECT_TRUE(Parsed(items, complaint).has_value()) << complaint;
 }
 
 TEST(Documents, MoreValuesThanAMapEverHasAreRefused) {
   std::string many = "{\"extents\": [";
   for (int i = 0; i < (1 << 22); ++i)
     many += "1,";
-  EXPECT_EQ(ComplaintAbout(many), "is too large: it holds more than 1048576 values");
+  EXPECT_EQ(ComplaintAbout(many), "is too large: no map holds so many values");
 }
 
 // Nothing of these is what it should be, and all of it is JSON.
 TEST(Documents, ValuesOfOtherKindsAreTexts) {
   std::string complaint;
-  const auto document = ParseDocument(
+  const auto document = Parsed(
       R"({"schema": "trovisk-map/1", "disk": [1], "dynamic_disk": 7, "storage_spaces": {"areas": [{}, 3, {"name": {}}]},
           "cut": {}, "checks": {"a": {}}, "structures": [{"fields": {}, "bytes": 7, "messages": {"a": [1, "b"]}}, 4],
           "extents": [{"first": -1, "last": 1.5, "flags": [[["x"], null], true], "kind": null},
@@ -395,10 +426,44 @@ TEST(Documents, AreToldFromDisksByTheirBeginning) {
   EXPECT_TRUE(LooksLikeDocument("{\"schema"));
   EXPECT_TRUE(LooksLikeDocument("\xEF\xBB\xBF \r\n\t{\n  \"a"));
   EXPECT_TRUE(LooksLikeDocument("{}"));
+  EXPECT_TRUE(LooksLikeDocument("{\"\u00e4"));
+  EXPECT_TRUE(LooksLikeDocument("{\"\xc3"));  // the rest of the character follows
   EXPECT_FALSE(LooksLikeDocument(""));
   EXPECT_FALSE(LooksLikeDocument("{"));
   EXPECT_FALSE(LooksLikeDocument(std::string_view("{\0\"", 3)));
   EXPECT_FALSE(LooksLikeDocument("\xEB\x3C\x90MSDOS5.0"));
+}
+
+// Who wants a disk to be taken for a document can write into its first bytes, not over its end mark.
+TEST(Documents, ADiskThatBeginsLikeOneIsADisk) {
+  std::string sector = "{\"schema\": \"trovisk-map/1\"}";
+  sector.resize(510, ' ');
+  EXPECT_TRUE(LooksLikeDocument(sector));
+  EXPECT_FALSE(LooksLikeDocument(sector + "\x55\xAA" + sector));
+  EXPECT_FALSE(LooksLikeDocument(sector + "  " + std::string("EFI PART\0\0\1\0", 12)));
+}
+
+TEST(Documents, InUtf16AreToldToo) {
+  EXPECT_TRUE(LooksLikeUtf16Document(std::string_view("\xFF\xFE{\0\r\0\n\0 \0\"\0s\0", 14)));
+  EXPECT_FALSE(LooksLikeUtf16Document(std::string_view("\xFF\xFE{\0x\0", 6)));
+  EXPECT_FALSE(LooksLikeUtf16Document("{\""));
+}
+
+TEST(ItemContentsTest, ComeOutAsTheyWentIn) {
+  const ItemContents contents = {.fields = {{"Name", std::string("a\0b", 3), u64{7}, 3}, {"", "", {}, 0}},
+                                 .bytes = {1, 2, 0}};
+  const std::string packed = Pack(contents);
+  const ItemContents again = Unpack(packed);
+  ASSERT_EQ(again.fields.size(), 2U);
+  EXPECT_EQ(again.fields[0].label, "Name");
+  EXPECT_EQ(again.fields[0].value, std::string("a\0b", 3));
+  EXPECT_EQ(again.fields[0].offset, u64{7});
+  EXPECT_EQ(again.fields[0].length, 3U);
+  EXPECT_EQ(again.fields[1].offset, std::nullopt);
+  EXPECT_EQ(again.bytes, contents.bytes);
+  EXPECT_EQ(Pack(again), packed);
+  EXPECT_EQ(Pack({}), "");
+  EXPECT_TRUE(Unpack("").fields.empty());
 }
 
 // Two files, compared as the command line does.
@@ -447,6 +512,23 @@ TEST_F(CompareFiles, DamagedOneIsNamed) {
   EXPECT_EQ(Compare(bad, good), 3);
   EXPECT_EQ(complaint_, bad + " is cut off: the document has no end");
   EXPECT_EQ(lines_, "");
+}
+
+TEST_F(CompareFiles, TextLongerThanAnyOfAMapIsRefused) {
+  const std::string good = Saved("good", Written({}));
+  const std::string bad = Saved("bad", "{\"a\": \"" + std::string(u64{3} << 20, 'x') + "\"}");
+  EXPECT_EQ(Compare(good, bad), 3);
+  EXPECT_EQ(complaint_, bad + " is no map: a text in it is longer than 1048576 bytes");
+  const std::string escaped = Saved("escaped", "{\"a\": \"" + std::string(u64{3} << 20, '\\') + "\"}");
+  EXPECT_EQ(Compare(escaped, good), 3);
+  EXPECT_EQ(complaint_, escaped + " is no map: a text in it is longer than 1048576 bytes");
+}
+
+TEST_F(CompareFiles, MapInUtf16SaysWhatToDo) {
+  const std::string good = Saved("good", Written({}));
+  const std::string bad = Saved("bad", std::string("\xFF\xFE{\0}\0", 6));
+  EXPECT_EQ(Compare(good, bad), 3);
+  EXPECT_EQ(complaint_, bad + " is a map in UTF-16, as a shell has redirected it: write it with --output");
 }
 
 TEST_F(CompareFiles, WhatIsNotThereIsNoSavedMap) {
