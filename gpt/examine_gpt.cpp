@@ -171,6 +171,15 @@ std::string GuidText(const std::array<u8, 16>& guid) {
   return text;
 }
 
+bool IsGptArray(const GptCopy& copy, u64 first) {
+  GptCopy there = copy;
+  there.partitions.clear();
+  there.usedEntries = 0;
+  there.entriesLba = first;
+  u32 crc = 0;
+  return ReadArray(there, crc) && crc == copy.arrayCrc;
+}
+
 GptCopy ExamineGptCopy(std::string_view which, u64 sector, u64 lastOnDisk, std::vector<Check>& checks) {
   GptCopy copy;
   copy.which = which;

@@ -56,6 +56,10 @@ inline constexpr u64 kMostGptPartitions = u64{1} << 13;
 // all ones where unknown. which: "primary" or "backup".
 GptCopy ExamineGptCopy(std::string_view which, u64 sector, u64 lastOnDisk, std::vector<Check>& checks);
 
+// Whether the array that stands there, from its first sector on, is the one that the copy's header has the
+// checksum of.
+bool IsGptArray(const GptCopy& copy, u64 first);
+
 // Judges the two copies against each other, where both are present.
 void CheckGptAgreement(const GptCopy& primary, const GptCopy& backup, std::vector<Check>& checks);
 

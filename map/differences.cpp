@@ -4,6 +4,7 @@
 #include <map>
 #include <numeric>
 
+#include "frame/examination.h"
 #include "frame/report/report.h"
 #include "map/byte_differences.h"
 #include "map/item_pairs.h"
@@ -133,8 +134,16 @@ std::vector<ByteRange> CompareFields(Lines& lines, const std::string& title,
   return told;
 }
 
+bool IsWiped(const std::vector<u8>& bytes) {
+  return !bytes.empty() && AllZero(bytes);
+}
+
 void CompareContents(Lines& lines, const std::string& title, const ItemContents& before,
                      const ItemContents& after) {
+  if (!before.bytes.empty() && !IsWiped(before.bytes) && IsWiped(after.bytes)) {
+    lines.Add("changed: " + title + ": the sector is all zeros now");
+    return;
+  }
   std::vector<ByteRange> told;
   // A structure that is no longer decoded loses all of its fields at once.
   if (after.fields.empty() && before.fields.size() > 1) {

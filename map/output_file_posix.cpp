@@ -44,6 +44,25 @@ bool IsRead(const struct stat& file, const std::vector<std::string>& disks) {
   return false;
 }
 
+std::string FolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+}
+
+// Where a link leads, be there a file or none; the path itself where it is no link.
+std::string TargetOf(const std::string& path) {
+  constexpr int kMostLinks = 40;  // as the system has it
+  std::string target = path;
+  for (int links = 0; links < kMostLinks; ++links) {
+    char text[PATH_MAX];
+    const ssize_t size = readlink(target.c_str(), text, sizeof text);
+    if (size <= 0 || static_cast<std::size_t>(size) == sizeof text) break;
+    const std::string_view next(text, static_cast<std::size_t>(size));
+    target = next.front() == '/' ? std::string(next) : FolderOf(target).append(next);
+  }
+  return target;
+}
+
 // Read and written by whom a new file would be.
 mode_t UsualMode() {
   const mode_t mask = umask(0);
@@ -51,15 +70,11 @@ mode_t UsualMode() {
   return 0666 & ~mask;
 }
 
-std::string FolderOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
-}
-
 }  // namespace
 
 bool OutputFile::Open(const std::string& path, const std::vector<std::string>& disks) {
-  path_ = target_ = path;
+  path_ = path;
+  target_ = TargetOf(path);
   mode_t mode = UsualMode();
   if (struct stat file{}; stat(path.c_str(), &file) == 0) {
     if (S_ISBLK(file.st_mode)) return Refuse("it is a disk");
@@ -67,9 +82,10 @@ bool OutputFile::Open(const std::string& path, const std::vector<std::string>& d
     if (IsRead(file, disks)) return Refuse("it is what is examined");
     if (IsNamedAsPieceOf(path, disks)) return Refuse("it may be a piece of what is examined");
     mode = file.st_mode & 0777;
-    char resolved[PATH_MAX];
-    if (realpath(path.c_str(), resolved) == nullptr) return Fail(Error());
-    target_ = resolved;
+    // Whoever may write all files is not to lose what was protected from that either.
+    if ((mode & 0222) == 0) return Refuse("it is read-only");
+  } else if (errno != ENOENT) {
+    return Fail(Error());
   }
   std::string name = FolderOf(target_) + ".trovisk-map.XXXXXX";
   const int descriptor = mkostemp(name.data(), O_CLOEXEC);

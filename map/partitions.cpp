@@ -54,8 +54,10 @@ struct Chained {
 
 void ReadExtended(PartitionTables& tables, const MbrPartition& outermost, Chained& chained) {
   const u64 before = chained.logical;
+  const SectorToc earlier = tables.extendedRecords;  // of other extended partitions
+  const auto isKnown = [&](u64 sector) { return earlier.At(sector).has_value(); };
   std::optional<ExtendedRecord> wrong;
-  const ChainEnd end = WalkExtended(outermost, kMostRecords, [&](const ExtendedRecord& record) {
+  const ChainEnd end = WalkExtended(outermost, kMostRecords, isKnown, [&](const ExtendedRecord& record) {
     tables.extendedRecords.Add(record.sector, record.sector, nullptr, L"");
     if (!record.endMark) wrong = record;
     if (++chained.records <= kMostLogical) {
@@ -79,10 +81,14 @@ void ReadExtended(PartitionTables& tables, const MbrPartition& outermost, Chaine
   if (wrong) {
     check.sector = wrong->sector;
     check.verdict = wrong->readable ? Verdict::kBad : Verdict::kMissing;
-    check.found = wrong->readable ? "no end mark" : "unreadable";
+    check.found = std::string(wrong->readable ? "no end mark" : "unreadable") +
+                  ": the logical partition that it names, and all behind it, are lost";
   } else if (end == ChainEnd::kCircle) {
     check.verdict = Verdict::kBad;
     check.found = "the links form a circle";
+  } else if (end == ChainEnd::kStopped) {
+    check.verdict = Verdict::kBad;
+    check.found = "its records are those of another extended partition";
   } else if (end == ChainEnd::kTooLong) {
     check.verdict = Verdict::kNotChecked;
     check.found = "more than " + std::to_string(kMostRecords) + " records";
@@ -95,6 +101,21 @@ void EndProtective(Extent& extent, const MbrPartition& partition, u64 lastOnDisk
   constexpr u64 kWholeDisk = 0xFFFFFFFF;
   if (partition.count == kWholeDisk && lastOnDisk != ~u64{0})
     extent.last = std::max(extent.first, lastOnDisk);
+}
+
+// Two entries that lead into the same chain, or one over the other. A protective one is over all of them.
+void MarkExtendedOverlaps(std::vector<Extent>& partitions) {
+  const auto isExtended = [](const Extent& extent) {
+    return (extent.flags & kFlagContainer) != 0 && extent.type != "0xee";
+  };
+  for (Extent& one : partitions) {
+    for (Extent& other : partitions) {
+      const bool apart = one.last < other.first || other.last < one.first;
+      if (&one == &other || apart || !isExtended(one) || other.type == "0xee") continue;
+      one.flags |= kFlagOverlaps;
+      other.flags |= kFlagOverlaps;
+    }
+  }
 }
 
 void ReadMbrTable(PartitionTables& tables, u64 lastOnDisk) {
@@ -114,6 +135,7 @@ void ReadMbrTable(PartitionTables& tables, u64 lastOnDisk) {
     if (partition.type == kTypeProtective) EndProtective(extent, partition, lastOnDisk);
     tables.partitions.push_back(std::move(extent));
   }
+  MarkExtendedOverlaps(tables.partitions);
   Chained chained;
   for (const MbrPartition& partition : mbr.partitions) {
     if (IsExtendedType(partition.type) && partition.count != 0) ReadExtended(tables, partition, chained);

@@ -88,6 +88,21 @@ void AddLostHeader(PartitionTables& tables, const GptCopy& lost, const GptCopy& 
                                .source = "GPT " + other.which});
 }
 
+// The array of a copy whose header is lost, if it stands in its regular place: it is told by the checksum
+// that both copies' arrays have.
+void AddLostArray(PartitionTables& tables, const GptCopy& lost, const GptCopy& other) {
+  if (lost.present || !other.Sound() || other.arraySectors == 0) return;
+  const bool primary = lost.sector == kPrimaryHeader;
+  if (!primary && lost.sector < other.arraySectors) return;
+  const u64 first = primary ? kPrimaryHeader + 1 : lost.sector - other.arraySectors;
+  if (!IsGptArray(other, first)) return;
+  tables.structures.push_back({.first = first,
+                               .last = first + other.arraySectors - 1,
+                               .kind = ExtentKind::kStructure,
+                               .typeName = "GPT " + lost.which + " partition entries",
+                               .source = "GPT " + other.which});
+}
+
 // Where a sound primary header says that the backup stands, else in the last sector.
 u64 BackupSector(const GptCopy& primary, u64 lastOnDisk) {
   const bool possible = primary.otherLba > kPrimaryHeader && primary.otherLba <= lastOnDisk;
@@ -145,6 +160,8 @@ void ReadGptTables(PartitionTables& tables, u64 lastOnDisk) {
   }
   AddLostHeader(tables, primary, backup);
   AddLostHeader(tables, backup, primary);
+  AddLostArray(tables, primary, backup);
+  AddLostArray(tables, backup, primary);
   const std::size_t before = tables.partitions.size();
   if (primary.arraySectors != 0 && backup.arraySectors != 0) {
     AddBoth(tables, primary, backup);

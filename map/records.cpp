@@ -9,8 +9,9 @@
 namespace trovisk {
 namespace {
 
-// No value ends its column or its line.
+// No value ends its column or its line, and none looks like none.
 std::string Value(std::string_view text) {
+  if (text == "-") return "\"-\"";
   return text.empty() ? "-" : SafeUtf8(text);
 }
 

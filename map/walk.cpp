@@ -92,6 +92,7 @@ class Walk {
     BeginPass("surveying", 0, lastOnDisk_);
     while (Round()) {
     }
+    JudgeBeyondEnd();
     if (visits_ >= kMostVisits) {
       result_.cut.push_back("The survey stopped after " + std::to_string(visits_) + " structures.");
     }
@@ -149,8 +150,7 @@ class Walk {
     u64 last = found.last;
     Reader reader{found.entry.decoder, description};
     if (disk.bytesPerSector == 0 || (lastOnDisk_ != ~u64{0} && sector > lastOnDisk_)) {
-      Count(sector, last, reader,
-            {.decoded = false, .valid = false, .message = "lies beyond the end of the disk"});
+      CountBeyondEnd(sector, last, reader);
     } else {
       const auto bytes = ReadSectors(sector, 1);
       reader = Choose(reader, bytes ? Bytes(*bytes) : Bytes());
@@ -187,6 +187,27 @@ class Walk {
     return {.decoded = true, .valid = false, .message = valid ? "unreadable" : MessageOf(caught)};
   }
 
+  void CountBeyondEnd(u64 first, u64 last, const Reader& reader) {
+    result_.structures.Add(first, last, reader.decoder, reader.title);
+    ++result_.count;
+    ++result_.invalid;
+    const bool otherReading = reader.decoder == DecodeExtendedBootRecord && !extendedRecords_.At(first);
+    if (KindOf(reader.decoder).optional || otherReading) return;
+    if (beyondEnd_++ == 0 || first < firstBeyondEnd_) {
+      firstBeyondEnd_ = first;
+      titleBeyondEnd_ = ToNarrow(reader.title);
+    }
+  }
+
+  // One sentence, as they are all lost in the same way.
+  void JudgeBeyondEnd() {
+    if (beyondEnd_ == 0) return;
+    checks_.push_back({firstBeyondEnd_, "structures lie on the disk", Verdict::kMissing,
+                       std::to_string(beyondEnd_) + " beyond its end, from sector " +
+                           std::to_string(firstBeyondEnd_) + " on (" + titleBeyondEnd_ + ")",
+                       "all of them: a disk or an image that has not been cut short"});
+  }
+
   void Count(u64 first, u64 last, const Reader& reader, const Outcome& outcome) {
     result_.structures.Add(first, last, reader.decoder, reader.title);
     ++result_.count;
@@ -213,6 +234,9 @@ class Walk {
   u64 alikeVisits_ = 0;
   u64 alikeNext_ = 0;
   std::size_t invalidChecks_ = 0;
+  u64 beyondEnd_ = 0;
+  u64 firstBeyondEnd_ = 0;
+  std::string titleBeyondEnd_;
 };
 
 }  // namespace

@@ -128,10 +128,12 @@ ExtendedRecord ReadExtendedRecord(u64 sector) {
 }
 
 ChainEnd WalkExtended(const MbrPartition& outermost, u64 mostRecords,
+                      const std::function<bool(u64 sector)>& isKnown,
                       const std::function<void(const ExtendedRecord&)>& visit) {
   SectorToc seen;
   u64 sector = outermost.first;
   for (u64 records = 0; records < mostRecords; ++records) {
+    if (isKnown(sector)) return ChainEnd::kStopped;
     seen.Add(sector, sector, nullptr, L"");
     const ExtendedRecord record = ReadExtendedRecord(sector);
     visit(record);

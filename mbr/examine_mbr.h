@@ -62,11 +62,13 @@ ExtendedRecord ReadExtendedRecord(u64 sector);
 // Whether the 512 bytes can be an extended boot record: end mark, boot indicators.
 bool LooksLikeExtendedRecord(Bytes record);
 
-enum class ChainEnd : u8 { kRegular, kCircle, kTooLong, kBroken };
+enum class ChainEnd : u8 { kRegular, kCircle, kTooLong, kBroken, kStopped };
 
 // Walks the records of the extended partition, one after the other, at most mostRecords. The walk ends behind
-// a record that cannot be read or has no end mark.
+// a record that cannot be read or has no end mark. isKnown: asked of a record's sector before it is read;
+// where that gives true the walk stops.
 ChainEnd WalkExtended(const MbrPartition& outermost, u64 mostRecords,
+                      const std::function<bool(u64 sector)>& isKnown,
                       const std::function<void(const ExtendedRecord&)>& visit);
 
 }  // namespace trovisk

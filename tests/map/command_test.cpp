@@ -254,6 +254,29 @@ TEST_F(MapCommand, OutputFollowsALinkAndKeepsTheRightsOfTheFile) {
             fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
 }
 
+// As a shell's redirection does: the file comes to be where the link leads.
+TEST_F(MapCommand, OutputFollowsALinkToNothing) {
+  fs::create_directory("folder");
+  fs::create_symlink("folder/link.txt", "link.txt");
+  fs::create_symlink("map.txt", "folder/link.txt");
+  EXPECT_EQ(RunMap({"-o", "link.txt", "disk.img"}).status, 0);
+  EXPECT_TRUE(fs::is_symlink("link.txt"));
+  EXPECT_TRUE(fs::is_symlink("folder/link.txt"));
+  EXPECT_TRUE(ReadFile("folder/map.txt").starts_with("#disk\t"));
+  fs::create_symlink("circle.txt", "circle.txt");
+  EXPECT_EQ(RunMap({"-o", "circle.txt", "disk.img"}).status, 1);
+  EXPECT_TRUE(fs::is_symlink("circle.txt"));
+}
+
+TEST_F(MapCommand, OutputIsNoFileThatIsReadOnly) {
+  WriteText("map.txt", "before");
+  fs::permissions("map.txt", fs::perms::owner_read);
+  const Outcome outcome = RunMap({"-o", "map.txt", "disk.img"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "trovisk-map: map.txt is not written to: it is read-only\n");
+  EXPECT_EQ(ReadFile("map.txt"), "before");
+}
+
 TEST_F(MapCommand, OutputIsNeverWhatIsExamined) {
   const std::string before = ReadFile("disk.img");
   fs::create_hard_link("disk.img", "linked.img");

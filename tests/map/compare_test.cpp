@@ -220,19 +220,26 @@ TEST(CompareStructures, FieldByFieldWithTheirOccurrences) {
                                             "added: " + title + "More: 5\n");
 }
 
-// One zeroed sector is one line for the structure, not one for each of its fields.
-TEST(CompareStructures, OneThatIsNoLongerDecodedLosesItsFieldsAtOnce) {
+// One line, not one for each of its fields.
+TEST(CompareStructures, OneWhoseSectorWasWipedSaysThatAlone) {
   Side before = {{}, {Header(1, {1, 2})}};
   Side after = {{}, {Header(1, {0, 0})}};
+  before.structures[0].fields = {{"Name", "a", 0, 1, true}, {"Size", "2", 1, 1, true}};
+  after.structures[0].fields = {{"Name", "", 0, 1, true}, {"Size", "0", 1, 1, true}};
+  EXPECT_EQ(Differences(before, after),
+            "changed: structure gpt_header in sector 1 (Primary GPT Header): the sector is all zeros now\n");
+}
+
+TEST(CompareStructures, OneThatIsNoLongerDecodedLosesItsFieldsAtOnce) {
+  Side before = {{}, {Header(1, {1, 2})}};
+  Side after = {{}, {Header(1, {9, 2})}};
   before.structures[0].fields = {{"Name", "a", 0, 1, true}, {"Size", "2", 1, 1, true}};
   after.structures[0].valid = false;
   const std::string title = "structure gpt_header in sector 1 (Primary GPT Header): ";
   EXPECT_EQ(Differences(before, after), "changed: " + title + "valid: true -> false\n" + "removed: " + title +
-                                            "all 2 fields\n" + "changed: " + title +
-                                            "bytes 0x0-0x1: 0102 -> 0000\n");
+                                            "all 2 fields\n" + "changed: " + title + "bytes 0x0: 01 -> 09\n");
   EXPECT_EQ(Differences(after, before), "changed: " + title + "valid: false -> true\n" + "added: " + title +
-                                            "all 2 fields\n" + "changed: " + title +
-                                            "bytes 0x0-0x1: 0000 -> 0102\n");
+                                            "all 2 fields\n" + "changed: " + title + "bytes 0x0: 09 -> 01\n");
 }
 
 // What a changed field tells already is not told once more as bytes.

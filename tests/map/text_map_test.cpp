@@ -447,6 +447,12 @@ TEST(TextMap, InAPipeIsOneRecordALine) {
             "verdict\t2\tSomething is wrong: 1 extent is flagged.\n");
 }
 
+TEST(TextMap, ANameThatIsAHyphenIsNoMissingName) {
+  DiskMap map;
+  map.extents = {{.kind = ExtentKind::kPartition, .name = "-"}};
+  EXPECT_TRUE(Has(MapAsText(map, {}), "\tpartition\t-\t-\t\"-\"\t-\t")) << MapAsText(map, {});
+}
+
 // Every record has the columns that the line above says; so has every other kind of record.
 TEST(TextMap, RecordsHaveTheColumnsThatTheirHeadingNames) {
   DiskMap map = SmallMap();

@@ -72,6 +72,20 @@ TEST(LostTable, TheHeaderThatTheOtherNamesIsDamagedWhereNoneStands) {
   }
 }
 
+// What stands there is known by the checksum that the other header has of its own array.
+TEST(LostTable, TheArrayBehindALostHeaderIsNoGap) {
+  for (const bool primary : {true, false}) {
+    Disk disk = OnePartition(kBasicDataType);
+    Zero(disk, primary ? 1 : 4095);
+    const std::string array = primary ? "2-33 GPT backup" : "4063-4094 GPT primary";
+    const Lines found = ExtentsOf(SurveyOf(disk), ExtentKind::kStructure);
+    EXPECT_EQ(std::count(found.begin(), found.end(), array), 1) << array;
+    disk.At(primary ? 2 : 4063).U8(60, 1);
+    const Lines wrong = ExtentsOf(SurveyOf(disk), ExtentKind::kStructure);
+    EXPECT_EQ(std::count(wrong.begin(), wrong.end(), array), 0) << array;
+  }
+}
+
 TEST(LostTable, ADynamicDiskIsFoundByItsHeader) {
   Disk disk = MakeGroupDisk({.records = FiveVolumes(), .counts = kFiveVolumesCounts});
   Zero(disk, 0);

@@ -55,6 +55,32 @@ TEST(MbrChain, LinksCountFromTheOutermostPartition) {
   }
 }
 
+// Two entries over one chain: it is read once, and neither is right.
+TEST(MbrChain, OneChainOfTwoExtendedPartitionsIsReadOnce) {
+  Disk disk;
+  PutBootRecord(disk, 0,
+                {.entries = {{.type = 0x05, .first = 1000, .count = 2000},
+                             {.type = 0x0F, .first = 1000, .count = 3000}}});
+  PutLogical(disk, 1000, 1500);
+  PutLogical(disk, 1500, 0);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(PartitionsOf(map),
+            (Lines{"1000-3999 MBR entry 2 container overlaps", "1000-2999 MBR entry 1 container overlaps",
+                   "1001-1009 EBR at sector 1000", "1501-1509 EBR at sector 1500"}));
+  EXPECT_EQ(WrongChecks(map), (Lines{std::string(kCheck) + ": bad"}));
+}
+
+TEST(MbrChain, AnExtendedPartitionOverAnotherOneOverlaps) {
+  Disk disk;
+  PutBootRecord(disk, 0,
+                {.entries = {{.type = 0x05, .first = 1000, .count = 2000},
+                             {.type = 0x83, .first = 2900, .count = 500}}});
+  PutLogical(disk, 1000, 0);
+  EXPECT_EQ(PartitionsOf(SurveyOf(disk)),
+            (Lines{"1000-2999 MBR entry 1 container overlaps", "1001-1009 EBR at sector 1000",
+                   "2900-3399 MBR entry 2 overlaps"}));
+}
+
 TEST(MbrChain, NumbersFollowTheLinksNotTheSectors) {
   Disk disk = Extended();
   PutLogical(disk, 1000, 2000);

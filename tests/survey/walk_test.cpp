@@ -106,6 +106,22 @@ TEST(Walk, AnUnreadableStructureEndsNothing) {
   }
 }
 
+// An image that was cut short is one finding, however much of it is lost.
+TEST(Walk, StructuresBeyondTheEndAreSaidOnce) {
+  Disk disk(1000);
+  PutProtectiveMbr(disk);
+  PutGptEntries(disk, 2,
+                {{.type = kStorageSpacesType, .first = 2000, .last = 2999},
+                 {.type = kStorageReplicaType, .first = 1500, .last = 1999}});
+  PutGptHeader(disk, 1, {.otherLba = 4095, .lastUsable = 4062});
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(VerdictOf(map, "structure is valid"), "none");
+  const Check* const check = CheckOf(map, "structures lie on the disk", 1500);
+  ASSERT_NE(check, nullptr);
+  EXPECT_EQ(check->verdict, Verdict::kMissing);
+  EXPECT_EQ(check->found, "3 beyond its end, from sector 1500 on (DPOM sector)");
+}
+
 TEST(Walk, AnInvalidStructureEndsNothing) {
   Disk disk;
   PutGpt(disk, {{.type = kStorageSpacesType, .first = 100, .last = 199},
