@@ -35,7 +35,7 @@ void AddCopysStructures(PartitionTables& tables, const GptCopy& copy) {
                                .last = copy.entriesLba + copy.arraySectors - 1,
                                .kind = ExtentKind::kStructure,
                                .flags = copy.arraySound ? 0U : u32{kFlagDamaged},
-                               .typeName = "GPT " + copy.which + " partition entries",
+                               .typeName = "GPT " + copy.which + " entries",
                                .source = source});
 }
 
@@ -99,7 +99,7 @@ void AddLostArray(PartitionTables& tables, const GptCopy& lost, const GptCopy& o
   tables.structures.push_back({.first = first,
                                .last = first + other.arraySectors - 1,
                                .kind = ExtentKind::kStructure,
-                               .typeName = "GPT " + lost.which + " partition entries",
+                               .typeName = "GPT " + lost.which + " entries",
                                .source = "GPT " + other.which});
 }
 
