@@ -88,23 +88,41 @@ Colour ColourOf(std::size_t column, const ExtentRow& row) {
   return column == kFlags && row.wrong ? Colour::kWrong : Colour::kNone;
 }
 
+// How wide a text may be: as its column, and on into the next ones as long as they are empty.
+std::size_t RoomFor(std::size_t column, const ExtentRow& row, const Widths& widths) {
+  std::size_t room = widths[column];
+  std::size_t gap = GapBehind(column);
+  for (std::size_t next = column + 1; next < kExtentColumns && row.cells[next].empty(); ++next) {
+    if (widths[next] == 0) continue;
+    room += gap + widths[next];
+    gap = GapBehind(next);
+  }
+  return room;
+}
+
 // One line. stop: the first column that is not shown.
 std::string Line(const ExtentRow& row, const Widths& widths, const TextStyle& style,
                  std::size_t stop = kExtentColumns) {
   std::string line;
   std::size_t blanks = 0;
+  std::size_t taken = 0;  // of the blanks to come, by a text that goes on into empty columns
   for (std::size_t column = 0; column < stop; ++column) {
     if (widths[column] == 0) continue;
-    const std::string text =
-        IsNumber(column) ? row.cells[column] : CutToWidth(row.cells[column], widths[column], style.utf8);
+    const std::string text = IsNumber(column)
+                                 ? row.cells[column]
+                                 : CutToWidth(row.cells[column], RoomFor(column, row, widths), style.utf8);
     const std::size_t rest = widths[column] - std::min(widths[column], DisplayWidth(text));
     if (IsNumber(column)) blanks += rest;
     if (!text.empty()) {
       line.append(blanks, ' ').append(Coloured(text, ColourOf(column, row), style));
       blanks = 0;
+      taken = DisplayWidth(text) - std::min(widths[column], DisplayWidth(text));
     }
     if (text.empty() && IsNumber(column)) blanks -= rest;
     blanks += (IsNumber(column) && !text.empty() ? 0 : rest) + GapBehind(column);
+    const std::size_t less = std::min(blanks, taken);
+    blanks -= less;
+    taken -= less;
   }
   return line + "\n";
 }

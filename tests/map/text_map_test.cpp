@@ -135,17 +135,27 @@ Nothing wrong was found.
 )");
 }
 
-// Eighty-six columns would do for all: five less are what the source can spare.
+// Eighty-six columns would do for all: five less are what the source can spare. It goes on where there are no
+// flags.
 TEST(TextMap, CutsTheSourceFirst) {
+  DiskMap flagged = SmallMap();
+  flagged.extents[4].flags = kFlagActive;
+  EXPECT_TRUE(
+      Has(TableOfExtents(flagged, Person(81)), "    NTFS                Data  NTFS boo...  active\n"));
   const std::string table = TableOfExtents(SmallMap(), Person(81));
-  EXPECT_TRUE(Has(table, "    NTFS                Data  NTFS boo...\n")) << table;
+  EXPECT_TRUE(Has(table, "    NTFS                Data  NTFS boot sector\n")) << table;
   EXPECT_TRUE(Has(table, "                MBR entry 1  active\n"));
   EXPECT_FALSE(Has(TableOfExtents(SmallMap(), Person(80)), "source"));
 }
 
 // Sixty-eight columns would do without the source, sixty-six with a type that is a little shorter.
 TEST(TextMap, PutsFlagsBelowTheirRowBeforeTextsBecomeShort) {
-  EXPECT_TRUE(Has(TableOfExtents(SmallMap(), Person(66)), "  master boot r...\n"));
+  const std::string narrow = TableOfExtents(SmallMap(), Person(66));
+  EXPECT_TRUE(Has(narrow, "  kind       type              name  flags\n")) << narrow;
+  EXPECT_TRUE(Has(narrow, "  structure  master boot record\n")) << narrow;
+  DiskMap named = SmallMap();
+  named.extents[0].name = "x";
+  EXPECT_TRUE(Has(TableOfExtents(named, Person(66)), "  structure  master boot r...  x\n"));
   EXPECT_EQ(TableOfExtents(SmallMap(), Person(65)),
             R"(  first  last      size  kind       type                name
       0     0     512 B  structure  master boot record
