@@ -40,7 +40,7 @@ using OpenedContainer = std::unique_ptr<Container, ContainerCloser>;
 
 // One open image of a chain. The functions of its library are looked up as they are needed.
 struct Container {
-  const ContainerLibrary* library = nullptr;
+  const ContainerLibrary* reader = nullptr;
   void* code = nullptr;    // the loaded library
   void* handle = nullptr;  // the library's
   ssize_t (*read)(void* handle, void* buffer, std::size_t size, i64 offset, void** error) = nullptr;
@@ -51,7 +51,7 @@ struct Container {
 // A function of the library, by what its name has behind the prefix.
 template <typename Function>
 Function* Find(const Container& container, const char* name) {
-  const std::string whole = container.library->prefix + std::string(name);
+  const std::string whole = container.reader->prefix + std::string(name);
   return reinterpret_cast<Function*>(dlsym(container.code, whole.c_str()));
 }
 

@@ -51,21 +51,21 @@ constexpr ContainerLibrary kLibraries[] = {
 };
 
 bool OpenFile(const Container& container, const std::string& path, std::string& refusal) {
-  if (container.library->format == ContainerFormat::kEwf) return OpenEwfSegments(container, path, refusal);
-  if (container.library->format == ContainerFormat::kQcow && !IsReadableQcow(path, refusal)) return false;
-  if (container.library->format == ContainerFormat::kVhd && !IsReadableVhd(path, refusal)) return false;
+  if (container.reader->format == ContainerFormat::kEwf) return OpenEwfSegments(container, path, refusal);
+  if (container.reader->format == ContainerFormat::kQcow && !IsReadableQcow(path, refusal)) return false;
+  if (container.reader->format == ContainerFormat::kVhd && !IsReadableVhd(path, refusal)) return false;
   auto* const open = Find<int(void*, const char*, int, void**)>(container, "_open");
   return open != nullptr && open(container.handle, path.c_str(), kReadOnly, nullptr) == 1;
 }
 
 // The name of the image that this one rests on; empty where it rests on none.
 std::string ParentName(const Container& container) {
-  if (container.library->parent == nullptr) return {};
-  const std::string sizeOf = std::string(container.library->parent) + "_size";
+  if (container.reader->parent == nullptr) return {};
+  const std::string sizeOf = std::string(container.reader->parent) + "_size";
   std::size_t size = 0;
   if (!Call(container, sizeOf.c_str(), container.handle, &size) || size < 2) return {};
   std::string name(size, '\0');
-  if (!Call(container, container.library->parent, container.handle, reinterpret_cast<u8*>(name.data()),
+  if (!Call(container, container.reader->parent, container.handle, reinterpret_cast<u8*>(name.data()),
             size)) {
     return {};
   }
@@ -103,7 +103,7 @@ bool SameFile(const std::string& one, const std::string& other) {
 // An image's own identity or its parent's; empty where the library does not know it.
 std::vector<u8> Identity(const Container& container, const char* name) {
   if (name == nullptr) return {};
-  std::vector<u8> identity(container.library->identitySize);
+  std::vector<u8> identity(container.reader->identitySize);
   const bool known = identity.size() == sizeof(u32)
                          ? Call(container, name, container.handle, reinterpret_cast<u32*>(identity.data()))
                          : Call(container, name, container.handle, identity.data(), identity.size());
@@ -122,7 +122,7 @@ OpenedContainer OpenChain(const ContainerLibrary& library, const std::string& pa
 bool AdoptParent(Container& container, const std::string& path, std::vector<std::string>& chain,
                  std::string& refusal) {
   const std::string name = ParentName(container);
-  const std::vector<u8> wanted = Identity(container, container.library->parentIdentity);
+  const std::vector<u8> wanted = Identity(container, container.reader->parentIdentity);
   if (name.empty() && IsNone(wanted)) return true;
   if (name.empty()) {
     refusal = "rests on another image, whose full path it does not hold";
@@ -139,12 +139,12 @@ bool AdoptParent(Container& container, const std::string& path, std::vector<std:
       return false;
     }
   }
-  container.parent = OpenChain(*container.library, parentPath, chain, refusal);
+  container.parent = OpenChain(*container.reader, parentPath, chain, refusal);
   if (container.parent == nullptr) {
     if (refusal.empty()) refusal = "rests on the image " + name + ", which is damaged or of another kind";
     return false;
   }
-  const std::vector<u8> found = Identity(*container.parent, container.library->identity);
+  const std::vector<u8> found = Identity(*container.parent, container.reader->identity);
   if (!wanted.empty() && !found.empty() && wanted != found) {
     refusal = "rests on another state of the image " + name + " than the one that is there";
     return false;
@@ -155,14 +155,14 @@ bool AdoptParent(Container& container, const std::string& path, std::vector<std:
         "is larger than the image " + name + " that it rests on: convert it with \"qemu-img convert -O raw\"";
     return false;
   }
-  return Call(container, container.library->adopt, container.handle, container.parent->handle);
+  return Call(container, container.reader->adopt, container.handle, container.parent->handle);
 }
 
 OpenedContainer OpenChain(const ContainerLibrary& library, const std::string& path,
                           std::vector<std::string>& chain, std::string& refusal) {
   chain.push_back(path);
   OpenedContainer container(new Container);
-  container->library = &library;
+  container->reader = &library;
   container->code = dlopen(library.file, RTLD_NOW | RTLD_LOCAL);
   if (container->code == nullptr || !Call(*container, "_initialize", &container->handle)) {
     return nullptr;
@@ -227,7 +227,7 @@ bool ReadContainer(const Container& container, u64 offset, u8* buffer, std::size
     if (more <= 0) return false;
     got += static_cast<std::size_t>(more);
   }
-  return container.library->format != ContainerFormat::kEwf || !HasEwfChecksumError(container, offset, got);
+  return container.reader->format != ContainerFormat::kEwf || !HasEwfChecksumError(container, offset, got);
 }
 
 }  // namespace trovisk
