@@ -45,8 +45,9 @@ u64 LastOf(const VolumePlace& place, u64 sectors) {
   return count - 1 <= ~u64{0} - place.sector ? place.sector + count - 1 : place.sector;
 }
 
-void AddVolume(DiskMap& map, const VolumePlace& place, VolumeFindings findings) {
-  const std::string source = findings.type.substr(0, findings.type.find(" (")) + " boot sector";
+void AddVolume(DiskMap& map, const VolumePlace& place, VolumeFindings findings, bool fromBackup) {
+  const std::string source = findings.type.substr(0, findings.type.find(" (")) +
+                             (fromBackup ? " backup boot sector" : " boot sector");
   map.extents.push_back({.first = place.sector,
                          .last = LastOf(place, findings.sectors),
                          .kind = ExtentKind::kVolume,
@@ -72,7 +73,8 @@ bool ReadVolume(DiskMap& map, const VolumePlace& place) {
   const auto boot = ReadSectors(place.sector, 1);
   VolumeKind kind = VolumeKind::kNone;
   if (boot && boot->size() >= 512) kind = KindOfBootSector(SectorView(Bytes(*boot).first<512>()));
-  if (kind != VolumeKind::kNone) {
+  const bool fromBackup = kind == VolumeKind::kNone;
+  if (!fromBackup) {
     AddTocEntry(disk, place.sector, IdentifyBootSector, L"Boot Sector");
   } else if (auto foreign = NameContent(place)) {
     AddForeign(map, place, std::move(*foreign));
@@ -81,7 +83,7 @@ bool ReadVolume(DiskMap& map, const VolumePlace& place) {
     kind = KindByBackup(place);
   }
   if (kind == VolumeKind::kNone) return false;
-  AddVolume(map, place, ExamineVolume(kind, place));
+  AddVolume(map, place, ExamineVolume(kind, place), fromBackup);
   return true;
 }
 

@@ -105,6 +105,13 @@ TEST(LostTable, AVolumeWithoutATableIsNamedByItsSignature) {
 }
 
 // What boot code has in the place of a table. An unused entry has no indicator.
+// What a volume's backup alone says is said to be from there.
+TEST(LostTable, AVolumeThatOnlyItsBackupTellsSaysSo) {
+  Disk disk = OnePartition(kBasicDataType);
+  PutNtfsBootSector(disk, 199, {.totalSectors = 99});
+  EXPECT_EQ(ExtentsOf(SurveyOf(disk), ExtentKind::kVolume), Lines{"100-199 NTFS backup boot sector"});
+}
+
 TEST(LostTable, AWrongBootIndicatorIsSaid) {
   Disk disk;
   PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 63, .count = 1000}, {.bootIndicator = 1}}});
