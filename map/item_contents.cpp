@@ -48,10 +48,11 @@ std::string Pack(const ItemContents& contents) {
   }
   plain.append(contents.bytes.begin(), contents.bytes.end());
 
-  uLongf size = compressBound(plain.size());
+  uLongf size = compressBound(static_cast<uLong>(plain.size()));
   std::vector<u8> compressed(size);
   const std::vector<u8> input(plain.begin(), plain.end());
-  if (compress2(compressed.data(), &size, input.data(), input.size(), Z_BEST_SPEED) != Z_OK)
+  if (compress2(compressed.data(), &size, input.data(), static_cast<uLong>(input.size()), Z_BEST_SPEED) !=
+      Z_OK)
     throw std::bad_alloc();
   std::string packed;
   AppendNumber(packed, plain.size());
@@ -63,10 +64,11 @@ std::string Pack(const ItemContents& contents) {
 ItemContents Unpack(std::string_view packed) {
   ItemContents contents;
   if (packed.empty()) return contents;
-  uLongf size = TakeNumber(packed);
+  uLongf size = static_cast<uLongf>(TakeNumber(packed));
   std::vector<u8> plain(size);
   const std::vector<u8> input(packed.begin(), packed.end());
-  if (uncompress(plain.data(), &size, input.data(), input.size()) != Z_OK) throw std::bad_alloc();
+  if (uncompress(plain.data(), &size, input.data(), static_cast<uLong>(input.size())) != Z_OK)
+    throw std::bad_alloc();
   const std::string text(plain.begin(), plain.end());
   std::string_view rest = text;
   for (u64 left = TakeNumber(rest); left > 0; --left) {
