@@ -29,11 +29,14 @@ std::string_view WithoutDump(const Structure& structure) {
   return text.substr(0, text.rfind(sector + "as a raw sector]"));
 }
 
-void WriteData(const DiskMap& map, const StructureVisitor& structures, std::vector<StructureLine>& lines,
-               const std::function<void(std::string_view)>& write) {
+// Gives the sector behind which structures are left out.
+std::optional<u64> WriteData(const DiskMap& map, const StructureVisitor& structures,
+                             std::vector<StructureLine>& lines,
+                             const std::function<void(std::string_view)>& write) {
   PageData data(write);
+  std::optional<u64> cutBehind;
   const auto visitAndNote = [&](const std::function<void(const Structure&)>& visit) {
-    return structures([&](const Structure& structure) {
+    cutBehind = structures([&](const Structure& structure) {
       lines.push_back({structure.sector, structure.count, structure.title, structure.valid});
       Structure shown = structure;
       shown.text = WithoutDump(structure);
@@ -41,9 +44,11 @@ void WriteData(const DiskMap& map, const StructureVisitor& structures, std::vect
         shown.bytes.pop_back();
       visit(shown);
     });
+    return cutBehind;
   };
   WriteMapAsJson(map, visitAndNote, [&](std::string_view piece) { data.Add(piece); });
   data.Finish();
+  return cutBehind;
 }
 
 std::string_view NameOfDisk(std::string_view path) {
@@ -56,6 +61,7 @@ std::string_view NameOfDisk(std::string_view path) {
 void WriteMapAsPage(const DiskMap& map, const StructureVisitor& structures,
                     const std::function<void(std::string_view)>& write) {
   std::vector<StructureLine> lines;
+  std::optional<u64> cutBehind;
   const auto part = [&](std::string_view name) {
     if (name == "policy") write(Policy());
     if (name == "title") write(HtmlText(NameOfDisk(map.disk.path)) + " – map of the disk");
@@ -64,8 +70,13 @@ void WriteMapAsPage(const DiskMap& map, const StructureVisitor& structures,
     if (name == "facts") write(FactsOfPage(map));
     if (name == "bar") write(BarOfPage(map));
     if (name == "checks") write(ChecksOfPage(map));
+    if (name == "joined") write(JoinedOfPage(map));
     if (name == "extents") write(ExtentsOfPage(map));
-    if (name == "data") WriteData(map, structures, lines, write);
+    if (name == "data") cutBehind = WriteData(map, structures, lines, write);
+    if (name == "left-out" && cutBehind) {
+      write("<p class=\"alarm-note\">Structures behind sector " + HtmlNumber(*cutBehind) +
+            " are not among these.</p>");
+    }
     if (name == "structures") write(StructuresOfPage(lines));
     if (name == "version") write(TROVISK_VERSION);
     if (name == "style") write(kPageStyle);

@@ -5,6 +5,7 @@
 
 #include "map/page_text.h"
 #include "map/text_layout.h"
+#include "map/text_map.h"
 
 namespace trovisk {
 namespace {
@@ -145,6 +146,15 @@ std::string ChecksOfPage(const DiskMap& map) {
   }
   return html + FoldedChecks(map, Verdict::kGood, "good") +
          FoldedChecks(map, Verdict::kNotChecked, "not made");
+}
+
+// The text that a terminal shows; the script makes tables of it.
+std::string JoinedOfPage(const DiskMap& map) {
+  const std::string text = JoinedViews(map, {.forPerson = true, .width = 100, .utf8 = true});
+  if (text.empty()) return {};
+  return "<section aria-labelledby=\"joined-title\">\n<h2 id=\"joined-title\">What belongs "
+         "together</h2>\n<pre>" +
+         HtmlText(text) + "</pre>\n</section>";
 }
 
 std::string ExtentsOfPage(const DiskMap& map) {

@@ -23,6 +23,7 @@ std::string VerdictOfPage(const DiskMap& map);
 std::string FactsOfPage(const DiskMap& map);
 std::string BarOfPage(const DiskMap& map);
 std::string ChecksOfPage(const DiskMap& map);
+std::string JoinedOfPage(const DiskMap& map);
 std::string ExtentsOfPage(const DiskMap& map);
 std::string StructuresOfPage(const std::vector<StructureLine>& structures);
 

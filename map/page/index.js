@@ -49,12 +49,20 @@ function matcher(query) {
   };
 }
 
-// The line around the place, with the place itself.
+// The line around the place, with the place itself; of a long one some whole words.
 function snippet(text, at, length) {
-  const start = Math.max(text.lastIndexOf("\n", at) + 1, at - 40);
-  const stop = text.indexOf("\n", at);
-  const end = Math.min(stop < 0 ? text.length : stop, at + length + 60);
-  return [text.slice(start, at), text.slice(at, at + length), text.slice(at + length, end)];
+  const lineStart = text.lastIndexOf("\n", at) + 1;
+  const lineEnd = text.indexOf("\n", at) < 0 ? text.length : text.indexOf("\n", at);
+  let before = text.slice(lineStart, at);
+  let after = text.slice(at + length, lineEnd);
+  if (before.length > 40) before = `… ${before.slice(-40).replace(/^\S*\s+/, "")}`;
+  if (after.length > 60) after = `${after.slice(0, 60).replace(/\s+\S*$/, "")} …`;
+  return [before, text.slice(at, at + length), after];
+}
+
+// A number in groups, as this page and others show them: "73 728", "73,728"; or null.
+function numberOfGroups(query) {
+  return /^\d{1,3}([ ,.'’\u00a0\u2009\u202f]\d{3})+$/.test(query) ? query.replace(/\D/g, "") : null;
 }
 
 function placeFound(structure, match) {
@@ -110,10 +118,13 @@ export function search(query, most) {
     if (results.length < most) results.push(result);
   };
   if (!entries) build();
-  const match = matcher(wanted);
-  searchNumber(wanted, add);
+  const number = numberOfGroups(wanted);
+  const asTyped = matcher(wanted);
+  const asNumber = number === null ? () => null : matcher(number);
+  const match = (text) => asTyped(text) ?? asNumber(text);
+  searchNumber(number ?? wanted, add);
   searchExtents(match, add);
-  searchBytes(query.trim(), add);
+  if (number === null) searchBytes(query.trim(), add);
   for (const { structure, lowered, text } of entries) {
     const found = match(lowered);
     if (!found) continue;

@@ -1,6 +1,6 @@
 // Brings the page to life, and goes where its address says: #sector-2048, #sector-2048+510, #extent-3.
 
-import { byId, el } from "./dom.js";
+import { announce, byId, el } from "./dom.js";
 import { copyButton, mapText } from "./copy.js";
 import { categorise } from "./looks.js";
 import { doc, extentsAt, loadDocument, structureAt } from "./document.js";
@@ -11,9 +11,26 @@ import { startJoined } from "./joined.js";
 import { startMap } from "./map.js";
 import { startSearch } from "./search.js";
 
+// Says why an address leads nowhere; nothing: it does.
+function complain(text) {
+  byId("nowhere")?.remove();
+  if (!text) return;
+  byId("map").prepend(el("p", { class: "alarm-note", id: "nowhere" }, text));
+  byId("nowhere").scrollIntoView({ block: "center" });
+  announce(text);
+}
+
 function goToSector(sector, offset) {
   const structure = structureAt(sector);
   const around = extentsAt(sector).at(-1);
+  if (!structure && !around) {
+    complain(
+      sector < doc.sectors
+        ? `Nothing is known of sector ${sector}.`
+        : `There is no sector ${sector}: the disk ends with sector ${doc.sectors - 1n}.`,
+    );
+    return;
+  }
   if (!structure && around) showExtent(around);
   if (sector < doc.sectors && (structure || !around)) reveal(sector);
   if (structure) showStructure(structure, offset);
@@ -21,8 +38,10 @@ function goToSector(sector, offset) {
 
 function follow() {
   const [, kind, number, offset] = /^#(sector|extent)-(\d{1,20})(?:\+(\d{1,6}))?$/.exec(location.hash) ?? [];
+  complain(/^#(sector|extent)-/.test(location.hash) && !kind ? "The address of this page names no sector." : "");
   if (kind === "sector") goToSector(BigInt(number), offset === undefined ? null : Number(offset));
   else if (kind === "extent" && doc.extents[Number(number)]) showExtent(doc.extents[Number(number)]);
+  else if (kind === "extent") complain(`There is no extent ${number} on this page.`);
 }
 
 // A link to where one is already leads there once more.

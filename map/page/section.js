@@ -103,7 +103,9 @@ function connect(structure, bytes, fields, hexHolder, note) {
         length: Number(structure.fields[index].length),
       });
     restore();
-    cell.scrollIntoView({ block: "center" });
+    bringIntoSight();
+    // The page itself moves no more than it must: the section's title stays above the bytes.
+    cell.scrollIntoView({ block: "nearest" });
     cell.focus({ preventScroll: true });
   };
 }

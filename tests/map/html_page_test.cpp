@@ -158,5 +158,24 @@ TEST(HtmlPage, LongTablesAreCutAndSaySo) {
   EXPECT_NE(page.find("<p class=\"cut\">3 more are not in this table.</p>"), std::string::npos);
 }
 
+TEST(HtmlPage, SaysBehindWhichSectorStructuresAreLeftOut) {
+  std::string page;
+  const auto visit = [](const std::function<void(const Structure&)>& /*visit*/) {
+    return std::optional<u64>(2049);
+  };
+  WriteMapAsPage({}, visit, [&](std::string_view piece) { page += piece; });
+  EXPECT_NE(page.find("<p class=\"alarm-note\">Structures behind sector 2049 are not among these.</p>"),
+            std::string::npos);
+  EXPECT_EQ(Page({}).find("are not among these"), std::string::npos);
+}
+
+TEST(HtmlPage, ShowsWhatBelongsTogetherWithoutItsScript) {
+  DiskMap map;
+  map.storageSpaces.emplace();
+  map.storageSpaces->poolName = "<Pool>";
+  EXPECT_NE(Page(map).find("<pre>Storage pool &lt;Pool&gt;"), std::string::npos);
+  EXPECT_EQ(Page({}).find("<pre>Storage pool"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace trovisk::test

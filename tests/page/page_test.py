@@ -1,5 +1,8 @@
 #!/usr/bin/python3
-"""Opens the pages in Chromium and uses them as a person would, by mouse and by keyboard."""
+"""Opens the pages in Chromium and uses them as a person would, by mouse and by keyboard: page_test.py [-v] [NAME...]
+
+NAME: a part of the names of the tests to run; without one all are run.
+"""
 import sys
 import unittest
 
@@ -13,6 +16,8 @@ import test_sections
 
 
 def main():
+    loader = unittest.TestLoader()
+    loader.testNamePatterns = [f"*{name}*" for name in sys.argv[1:] if name != "-v"] or None
     pages = make_pages()
     browser = Browser()
     suite = unittest.TestSuite()
@@ -20,7 +25,7 @@ def main():
         for case in module.CASES:
             case.browser = browser
             case.pages = pages
-            suite.addTests(unittest.defaultTestLoader.loadTestsFromTestCase(case))
+            suite.addTests(loader.loadTestsFromTestCase(case))
     try:
         good = unittest.TextTestRunner(verbosity=1 if "-v" not in sys.argv else 2).run(suite).wasSuccessful()
     finally:

@@ -112,6 +112,15 @@ class WithoutScript(unittest.TestCase):
             self.assertIn(structure["title"], text)
         self.assertIn("The disk to scale", text)
 
+    def test_what_belongs_together_can_be_read(self):
+        page = self.pages["sample-dynamic"]
+        self.browser.open(page.path, ready=False)
+        text = self.visible_text()
+        for volume in page.document["dynamic_disk"]["volumes"]:
+            self.assertIn(volume["name"], text)
+            for component in volume["components"]:
+                self.assertIn(component["name"], text)
+
     def test_links_of_checks_lead_to_the_structures(self):
         text = self.pages["damaged"].text
         self.assertIn('href="#sector-1"', text)

@@ -123,6 +123,28 @@ class Sections(unittest.TestCase):
         self.open_sector("sample-gpt", 100000)
         self.assertIn("NTFS", self.browser.run("return document.querySelector('tr.chosen').textContent"))
 
+    def test_a_link_to_a_byte_shows_the_byte_and_whose_it_is(self):
+        for width, height in ((1280, 500), (390, 700)):
+            self.browser.look(width, height)
+            self.open_sector("sample-gpt", "196607+510")
+            title, cell, head = self.browser.wait("""const place = (element) => { const { top, bottom } = element.getBoundingClientRect(); return [top, bottom]; };
+                const cell = document.querySelector('#sector-196607 td[data-at="510"]');
+                return cell && [place(document.querySelector('#sector-196607 h3')), place(cell), place(document.querySelector('header.top'))[1]]""")
+            self.assertGreaterEqual(title[0], head - 1)
+            self.assertGreaterEqual(cell[0], title[1])
+            self.assertLessEqual(cell[1], height)
+        self.browser.look()
+
+    def test_an_address_that_leads_nowhere_says_why(self):
+        for fragment, said in (("#sector-999999999", "There is no sector 999999999: the disk ends with sector 196607."),
+                               ("#sector-x", "The address of this page names no sector."),
+                               ("#extent-5000", "There is no extent 5000 on this page.")):
+            self.browser.open(self.pages["sample-gpt"].path, fragment)
+            self.assertEqual(self.browser.run("return document.getElementById('nowhere').textContent"), said)
+            self.assertEqual(self.browser.run("return document.getElementById('live').textContent"), said)
+        self.browser.run("location.hash = '#sector-1'")
+        self.assertTrue(self.browser.wait("return !document.getElementById('nowhere')"))
+
     def test_checks_lead_to_their_places(self):
         self.browser.open(self.pages["damaged"].path)
         link = self.browser.driver.find_element("css selector", "#checks tr.bad a")
@@ -139,10 +161,19 @@ class Sections(unittest.TestCase):
         self.assertTrue(any(text.startswith("1GPT primary header CRC-32 check") for _, text in self.search("header crc good") +
                             self.search("good: gpt primary header crc")))
         self.assertEqual(self.search("(a[b]*"), [])
-        self.assertEqual(self.search("79872")[0][0], "#sector-79872")
+        for number in ("79872", "79 872", "79,872", "79\u202f872"):
+            self.assertEqual(self.search(number)[0][0], "#sector-79872")
+            self.assertTrue(any(href == "#sector-2+416" for href, _ in self.search(number)), number)
         self.assertTrue(any(href == "#sector-2048+510" for href, _ in self.search("55 aa")))
         self.assertTrue(any(href == "#sector-1+0" for href, _ in self.search("4546492050415254")))
         self.assertEqual(self.search("nothing has this name"), [])
+
+    def test_what_is_found_stands_among_whole_words(self):
+        self.browser.open(self.pages["damaged"].path)
+        self.search("expected")
+        for snippet in self.browser.run("return [...document.querySelectorAll('#results .snippet')].map((s) => s.textContent)"):
+            if snippet.startswith("…"):
+                self.assertRegex(snippet, r"^… \S")
 
     def test_search_by_keyboard_alone(self):
         self.browser.open(self.pages["sample-gpt"].path)
