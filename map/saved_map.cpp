@@ -45,6 +45,7 @@ std::size_t SavedMap::Fill(std::size_t most) {
     file_.read(buffer_.data() + size, static_cast<std::streamsize>(most - size));
     size += static_cast<std::size_t>(file_.gcount());
   }
+  EndIfInterrupted();  // which may be why no more was read
   setg(buffer_.data(), buffer_.data(), buffer_.data() + size);
   if (!Watch({buffer_.data(), size})) setg(buffer_.data(), buffer_.data(), buffer_.data());
   return size;
@@ -67,7 +68,6 @@ bool SavedMap::Watch(std::string_view piece) {
 }
 
 SavedMap::int_type SavedMap::underflow() {
-  EndIfInterrupted();
   if (!complaint_.empty() || Fill(buffer_.size()) == 0 || !complaint_.empty()) return traits_type::eof();
   return traits_type::to_int_type(*gptr());
 }

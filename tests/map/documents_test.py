@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Documents of real disks: the sample disks, and what is left of them after damage, against the schema; each equals
-itself in a comparison, as a file and as a disk.
+itself in a comparison, as a file, through a pipe and as a disk.
 
     documents_test.py TROVISK_MAP MAKE_SAMPLES SCHEMA
 """
 import json
+import os
 import random
+import signal
 import subprocess
 import sys
 import tempfile
@@ -46,6 +48,25 @@ def write_sparse(path, data):
         file.truncate(len(data))
 
 
+def compare_through_pipes(program, folder, image, saved):
+    pipe = folder / "pipe"
+    os.mkfifo(pipe)
+    with subprocess.Popen([program, "--compare", pipe, image], stdout=subprocess.PIPE, stderr=subprocess.PIPE) as waiting:
+        pipe.write_bytes(saved.read_bytes())
+        assert waiting.communicate() == (b"", b"") and waiting.returncode == 0, waiting.returncode
+    with subprocess.Popen([program, "--compare", pipe, image], stdout=subprocess.PIPE, stderr=subprocess.PIPE) as waiting:
+        pipe.write_bytes(image.read_bytes()[:4096])
+        complaint = f"trovisk-map: {pipe} is a pipe that gives no saved map\n".encode()
+        assert waiting.communicate() == (b"", complaint) and waiting.returncode == 3, waiting.returncode
+    with subprocess.Popen([program, "--compare", pipe, image]) as waiting:
+        with open(pipe, "wb") as writer:  # of which no more comes
+            writer.write(b'{"extents": [' + b"1," * 100000)
+            writer.flush()
+            waiting.terminate()
+            writer.close()
+            assert waiting.wait(60) == -signal.SIGTERM, waiting.returncode
+
+
 def main():
     program, make_samples, schema = sys.argv[1:]
     validator = jsonschema.Draft202012Validator(json.loads(Path(schema).read_text("utf-8")))
@@ -71,6 +92,8 @@ def main():
                 if number == 0:
                     whole = folder / "whole.json"
                     whole.write_bytes(made.stdout)
+                    if sample.name == "sample-gpt.img":
+                        compare_through_pipes(program, folder, image, saved)
                 else:
                     changed = run(program, "--compare", whole, saved)
                     assert changed.returncode in (0, 1), f"{what}: {changed}"
