@@ -143,7 +143,7 @@ export function numbersAt(bytes, at) {
     if (at + length > bytes.length) break;
     let value = 0n;
     for (let i = length - 1; i >= 0; i -= 1) value = value * 256n + BigInt(bytes[at + i]);
-    said.push(`u${length * 8} ${value}`);
+    said.push(`u${length * 8}\u00a0${value}`);
   }
   return said.join(" · ");
 }
