@@ -40,9 +40,12 @@ function namingMarks(key, value) {
   );
 }
 
+// As a document may write them: most hold none, and looking at each value takes longer than reading all of them.
+const MARKS_OF_DOCUMENT = /[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]|\\u(061c|200[ef]|202[a-e]|206[6-9])/i;
+
 export async function loadDocument() {
-  const element = byId("data");
-  Object.assign(doc, JSON.parse(await text(element), namingMarks));
+  const json = await text(byId("data"));
+  Object.assign(doc, JSON.parse(json, MARKS_OF_DOCUMENT.test(json) ? namingMarks : undefined));
   doc.sectorSize = big(doc.disk.sector_size) || 512n;
   for (const [index, extent] of doc.extents.entries()) {
     extent.index = index;
