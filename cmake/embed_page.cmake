@@ -28,6 +28,7 @@ set(modules
     joined
     index
     search
+    place
     main)
 
 set(script "\"use strict\";\n{")

@@ -1,7 +1,7 @@
 // The document that the page shows: the same that trovisk-map --json prints, but that the raw dump at the end of
 // a report and the zeros at the end of a sector are left out; both are made again from the bytes.
 
-import { big } from "./format.js";
+import { big, hex } from "./format.js";
 import { byId } from "./dom.js";
 
 export const doc = {
@@ -32,12 +32,8 @@ async function text(element) {
 // Marks that turn the direction of a text round are named, not obeyed.
 const DIRECTION_MARKS = /[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/g;
 
-function namingMarks(key, value) {
-  if (typeof value !== "string") return value;
-  return value.replace(
-    DIRECTION_MARKS,
-    (mark) => `[U+${mark.codePointAt(0).toString(16).toUpperCase().padStart(4, "0")}]`,
-  );
+export function nameMarks(given) {
+  return given.replace(DIRECTION_MARKS, (mark) => `[U+${hex(mark.codePointAt(0), 4)}]`);
 }
 
 // As a document may write them: most hold none, and looking at each value takes longer than reading all of them.
@@ -45,7 +41,8 @@ const MARKS_OF_DOCUMENT = /[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]|\\u(06
 
 export async function loadDocument() {
   const json = await text(byId("data"));
-  Object.assign(doc, JSON.parse(json, MARKS_OF_DOCUMENT.test(json) ? namingMarks : undefined));
+  const named = (key, value) => (typeof value === "string" ? nameMarks(value) : value);
+  Object.assign(doc, JSON.parse(json, MARKS_OF_DOCUMENT.test(json) ? named : undefined));
   doc.sectorSize = big(doc.disk.sector_size) || 512n;
   for (const [index, extent] of doc.extents.entries()) {
     extent.index = index;

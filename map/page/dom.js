@@ -78,3 +78,21 @@ export function rove(container, selector, keys) {
     item.setAttribute("tabindex", "0");
   });
 }
+
+const told = new WeakMap();
+
+export function tellHeightNow(element, height = element.offsetHeight) {
+  const { holder, name } = told.get(element);
+  holder.style.setProperty(name, `${height}px`);
+}
+
+const heights = new ResizeObserver((changes) => {
+  for (const { target, borderBoxSize } of changes) tellHeightNow(target, borderBoxSize[0].blockSize);
+});
+
+// The style of what is in the holder knows, by the name, how high the element is: what stays in sight at the top
+// must hide nothing that one goes to.
+export function tellHeight(element, holder, name) {
+  told.set(element, { holder, name });
+  heights.observe(element);
+}

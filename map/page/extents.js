@@ -50,13 +50,18 @@ function showMore() {
   }
 }
 
-// Brings the extent's row into the table and into sight.
-export function showExtent(extent) {
+// Brings the extent's row into the table, and the extent into the magnifier. Returns the row.
+export function chooseExtent(extent) {
   while (shown <= extent.index) showMore();
   const found = byId(`extent-${extent.index}`);
   document.querySelector("tr.chosen")?.classList.remove("chosen");
   found.classList.add("chosen");
   if (extent.start < doc.sectors) lookAt(extent.start, extent.end);
+  return found;
+}
+
+export function showExtent(extent) {
+  const found = chooseExtent(extent);
   found.scrollIntoView({ block: "center" });
   found.focus({ preventScroll: true });
 }

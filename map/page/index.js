@@ -3,6 +3,10 @@
 import { doc } from "./document.js";
 import { titleOf } from "./looks.js";
 
+// Characters of a line beside what was found in it.
+const MOST_BEFORE = 32;
+const MOST_AFTER = 60;
+
 let entries = null;
 
 function lower(text) {
@@ -25,8 +29,14 @@ function build() {
   entries = doc.structures.map(structureEntry);
 }
 
-// Hexadecimal bytes: "55 AA", "0x55aa", "45464920"; a short number alone is no bytes.
+// "73 728" and "73,728" as "73728"; blanks of every width.
+function joinGroups(query) {
+  return query.replace(/(?<![\w.,:])\d{1,3}(?:[\s,]\d{3})+(?![\w,:])/g, (number) => number.replace(/[\s,]/g, ""));
+}
+
+// Hexadecimal bytes: "55 AA", "0x55aa", "45464920"; neither a short number alone nor one in groups of three is bytes.
 export function bytesOfQuery(query) {
+  if (joinGroups(query) !== query) return null;
   const plain = query.replace(/^0x/i, "").replace(/[\s:,]+(0x)?/gi, "");
   if (!/^([0-9a-f]{2})+$/i.test(plain)) return null;
   if (/^\d{1,7}$/.test(query) || (plain.length < 4 && !/^0x/i.test(query))) return null;
@@ -34,7 +44,7 @@ export function bytesOfQuery(query) {
 }
 
 // Where the words stand in a line, in their order: place and length, or null.
-function matcher(query) {
+function matcherOf(query) {
   const words = query.split(/\s+/);
   if (words.length === 1) {
     return (text) => {
@@ -49,20 +59,22 @@ function matcher(query) {
   };
 }
 
-// The line around the place, with the place itself; of a long one some whole words.
-function snippet(text, at, length) {
-  const lineStart = text.lastIndexOf("\n", at) + 1;
-  const lineEnd = text.indexOf("\n", at) < 0 ? text.length : text.indexOf("\n", at);
-  let before = text.slice(lineStart, at);
-  let after = text.slice(at + length, lineEnd);
-  if (before.length > 40) before = `… ${before.slice(-40).replace(/^\S*\s+/, "")}`;
-  if (after.length > 60) after = `${after.slice(0, 60).replace(/\s+\S*$/, "")} …`;
-  return [before, text.slice(at, at + length), after];
+function matcher(query) {
+  const typed = matcherOf(query);
+  const joined = joinGroups(query);
+  if (joined === query) return typed;
+  const number = matcherOf(joined);
+  return (text) => number(text) ?? typed(text);
 }
 
-// A number in groups, as this page and others show them: "73 728", "73,728"; or null.
-function numberOfGroups(query) {
-  return /^\d{1,3}([ ,.'’\u00a0\u2009\u202f]\d{3})+$/.test(query) ? query.replace(/\D/g, "") : null;
+// The line around the place, with the place itself; what is left out leaves whole words.
+function snippet(text, at, length) {
+  const stop = text.indexOf("\n", at + length);
+  let before = text.slice(text.lastIndexOf("\n", at - 1) + 1, at);
+  let after = text.slice(at + length, stop < 0 ? text.length : stop);
+  if (before.length > MOST_BEFORE) before = `…${before.slice(-MOST_BEFORE).replace(/^\S+\s(?=.*\S)|^\s+/, "")}`;
+  if (after.length > MOST_AFTER) after = `${after.slice(0, MOST_AFTER).replace(/\s\S*$/, "")}…`;
+  return [before, text.slice(at, at + length), after];
 }
 
 function placeFound(structure, match) {
@@ -118,13 +130,10 @@ export function search(query, most) {
     if (results.length < most) results.push(result);
   };
   if (!entries) build();
-  const number = numberOfGroups(wanted);
-  const asTyped = matcher(wanted);
-  const asNumber = number === null ? () => null : matcher(number);
-  const match = (text) => asTyped(text) ?? asNumber(text);
-  searchNumber(number ?? wanted, add);
+  const match = matcher(wanted);
+  searchNumber(joinGroups(wanted), add);
   searchExtents(match, add);
-  if (number === null) searchBytes(query.trim(), add);
+  searchBytes(query.trim(), add);
   for (const { structure, lowered, text } of entries) {
     const found = match(lowered);
     if (!found) continue;

@@ -1,13 +1,13 @@
 // The picture of the disk: the bar to scale, the window in it, and the magnified bar below.
 
-import { barWidth, beyondStrip, picture } from "./picture.js";
+import { barWidth, beyondStrip, picture, placeLine } from "./picture.js";
 import { beyondNote, describe, legend } from "./readout.js";
 import { button, byId, digits, el, put, svg } from "./dom.js";
 import { drawAxis, drawBar } from "./bar.js";
 import { drawOverview, drawWindow, listenOverview } from "./overview.js";
 import { listen, onViewChange, showAll, view, zoom } from "./magnifier.js";
 import { makeLanes, makeMarks } from "./lanes.js";
-import { doc } from "./document.js";
+import { doc, structureAt } from "./document.js";
 import { patterns } from "./looks.js";
 import { sizeText } from "./format.js";
 
@@ -26,6 +26,7 @@ function drawMagnified() {
       "svg",
       { width: picture.magnifier.clientWidth, height: drawing.height + 16 },
       drawing.parts,
+      placeLine(drawing.scale, drawing.height),
       view.from + view.length === doc.sectors ? beyondStrip(width, drawing.height) : null,
       svg("g", { "aria-hidden": "true" }, drawAxis(view, width, drawing.height)),
     ),
@@ -35,6 +36,7 @@ function drawMagnified() {
   items
     .find((item) => key && (item.dataset.extent ?? `s${item.dataset.sector}`) === key)
     ?.focus({ preventScroll: true });
+  itemOf(picture.chosen)?.classList.add("chosen");
   put(
     picture.range,
     "Magnified: sectors ",
@@ -46,8 +48,26 @@ function drawMagnified() {
   );
 }
 
+// An extent that does not begin with a structure has its row in the table of extents.
 function openItem(item) {
-  if (item) location.hash = `#sector-${item.dataset.sector ?? doc.extents[Number(item.dataset.extent)].first}`;
+  if (!item) return;
+  const { start, index } = doc.extents[Number(item.dataset.extent)] ?? {};
+  const sector = item.dataset.sector ?? structureAt(start)?.sector;
+  location.hash = sector === undefined ? `#extent-${index}` : `#sector-${sector}`;
+}
+
+function itemOf(extent) {
+  return extent && picture.magnifier.querySelector(`.item[data-extent="${extent.index}"]`);
+}
+
+// Shows where the sector is, in the extent that is chosen; null: none is.
+export function showInPicture(sector, extent = null) {
+  picture.place = sector;
+  picture.chosen = extent;
+  drawMap();
+  if (sector === null) return;
+  byId("map").scrollIntoView({ block: "start" });
+  (itemOf(extent) ?? picture.magnifier).focus({ preventScroll: true });
 }
 
 export function drawMap() {

@@ -1,6 +1,6 @@
 // The bar to scale, and the window in it that the magnifier shows.
 
-import { barWidth, beyondStrip, picture, whole } from "./picture.js";
+import { barWidth, beyondStrip, picture, placeLine, whole } from "./picture.js";
 import { describe } from "./readout.js";
 import { doc } from "./document.js";
 import { drawBar, scaleOf } from "./bar.js";
@@ -18,6 +18,7 @@ export function drawOverview() {
       "svg",
       { width: picture.overview.clientWidth, height: drawing.height, "aria-hidden": "true" },
       drawing.parts,
+      placeLine(drawing.scale, drawing.height),
       beyondStrip(width, drawing.height),
       picture.window,
     ),

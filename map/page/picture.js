@@ -6,8 +6,9 @@ import { svg } from "./dom.js";
 const BEYOND = 18;
 
 // overview, funnel, magnifier, range, readout: elements; window: the drawing of the window in the overview;
-// overviewHeight: in pixels; lanes, marks: what is drawn.
-export const picture = {};
+// overviewHeight: in pixels; lanes, marks: what is drawn; place: the sector that is asked for, chosen: the extent
+// around it, or null.
+export const picture = { place: null, chosen: null };
 
 export function whole() {
   return { from: 0n, length: doc.sectors };
@@ -33,4 +34,11 @@ export function beyondStrip(width, height) {
       fill: "url(#look-alarm)",
     }),
   );
+}
+
+// Where the sector that is asked for is.
+export function placeLine(scale, height) {
+  if (picture.place === null || !scale.shows({ start: picture.place, end: picture.place })) return null;
+  const x = (scale.x(picture.place) + scale.x(picture.place + 1n)) / 2;
+  return svg("path", { d: `M${x},0 V${height}`, class: "place" });
 }

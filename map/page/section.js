@@ -104,9 +104,8 @@ function connect(structure, bytes, fields, hexHolder, note) {
       });
     restore();
     bringIntoSight();
-    // The page itself moves no more than it must: the section's title stays above the bytes.
-    cell.scrollIntoView({ block: "nearest" });
     cell.focus({ preventScroll: true });
+    (fields?.querySelector("tr.marked") ?? hexHolder).scrollIntoView({ block: "nearest" });
   };
 }
 
@@ -143,9 +142,11 @@ export function fillSection(holder, structure) {
       "div",
       { class: "sides" },
       el("div", { class: "side" }, fields ?? "", report ? [el("h4", {}, "Report"), report] : ""),
-      bytes.length
-        ? el("div", { class: "side bytes" }, hexHolder, note)
-        : el("p", { class: "quiet" }, "The sector could not be read."),
+      el(
+        "div",
+        { class: "side bytes" },
+        bytes.length ? [hexHolder, note] : el("p", { class: "quiet" }, "The sector could not be read."),
+      ),
     ),
   );
   if (!bytes.length) return () => {};

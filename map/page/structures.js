@@ -1,7 +1,7 @@
 // The list of structures, in disk order. Sections are filled when they are opened, long runs of one kind are
 // folded, and what is folded is made when it is unfolded.
 
-import { button, byId, digits, el } from "./dom.js";
+import { button, byId, digits, el, tellHeight, tellHeightNow } from "./dom.js";
 import { doc } from "./document.js";
 import { fillSection, sectionHead } from "./section.js";
 
@@ -21,7 +21,10 @@ function makeSection(structure) {
   );
   const entry = { section, goTo: null };
   entry.fill = () => {
-    entry.goTo ??= fillSection(body, structure);
+    if (entry.goTo) return;
+    entry.goTo = fillSection(body, structure);
+    tellHeight(section.querySelector("summary"), section, "--title-height");
+    tellHeight(section.querySelector(".side.bytes"), section, "--bytes-height");
   };
   section.addEventListener("toggle", () => {
     if (section.open) entry.fill();
@@ -126,6 +129,8 @@ export function showStructure(structure, offset = null) {
   fill();
   document.querySelector(".structure.chosen")?.classList.remove("chosen");
   section.classList.add("chosen");
+  tellHeightNow(section.querySelector("summary"));
+  tellHeightNow(section.querySelector(".side.bytes"));
   section.scrollIntoView({ block: "start" });
   if (offset === null) section.querySelector("summary").focus({ preventScroll: true });
   else made.get(structure.index).goTo(offset);

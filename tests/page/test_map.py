@@ -125,7 +125,7 @@ class Map(unittest.TestCase):
         self.assertEqual(len(set(said)), 6)
         self.assertTrue(all("first" in text and "last" in text for text in said), said)
         ActionChains(self.browser.driver).send_keys(Keys.ENTER).perform()
-        self.assertRegex(self.browser.run("return location.hash"), r"^#sector-\d+$")
+        self.assertRegex(self.browser.run("return location.hash"), r"^#(sector|extent)-\d+$")
 
     def test_overlap_and_what_lies_beyond_the_end_are_drawn(self):
         self.browser.open(self.pages["overlap"].path)

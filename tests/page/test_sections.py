@@ -9,7 +9,22 @@ MARKED_BYTES = """return [...document.querySelectorAll(`#sector-${arguments[0]} 
 MARKED_FIELDS = """return [...document.querySelectorAll(`#sector-${arguments[0]} tr.marked th`)].map((cell) => cell.textContent);"""
 
 
+# Whether the middle of an element can be seen: nothing else stands over it.
+IN_SIGHT = """const box = arguments[0].getBoundingClientRect();
+  const seen = document.elementFromPoint(box.left + Math.min(box.width, 40) / 2, box.top + box.height / 2);
+  return !!seen && arguments[0].contains(seen);"""
+
+
 class Sections(unittest.TestCase):
+    def tearDown(self):
+        self.browser.look()
+
+    def in_sight(self, selector):
+        return self.browser.run(IN_SIGHT, self.browser.driver.find_element("css selector", selector))
+
+    def focused_in_sight(self):
+        return self.browser.run(IN_SIGHT, self.browser.driver.switch_to.active_element)
+
     def open_sector(self, name, sector):
         self.browser.open(self.pages[name].path, f"#sector-{sector}")
         return self.pages[name].document
@@ -123,27 +138,68 @@ class Sections(unittest.TestCase):
         self.open_sector("sample-gpt", 100000)
         self.assertIn("NTFS", self.browser.run("return document.querySelector('tr.chosen').textContent"))
 
-    def test_a_link_to_a_byte_shows_the_byte_and_whose_it_is(self):
-        for width, height in ((1280, 500), (390, 700)):
-            self.browser.look(width, height)
-            self.open_sector("sample-gpt", "196607+510")
-            title, cell, head = self.browser.wait("""const place = (element) => { const { top, bottom } = element.getBoundingClientRect(); return [top, bottom]; };
-                const cell = document.querySelector('#sector-196607 td[data-at="510"]');
-                return cell && [place(document.querySelector('#sector-196607 h3')), place(cell), place(document.querySelector('header.top'))[1]]""")
-            self.assertGreaterEqual(title[0], head - 1)
-            self.assertGreaterEqual(cell[0], title[1])
-            self.assertLessEqual(cell[1], height)
-        self.browser.look()
+    def test_a_link_shows_the_title_the_byte_and_the_field(self):
+        for width, height in ((1280, 900), (1280, 500), (1000, 700), (390, 800)):
+            for name, place in (("sample-gpt", "2048+510"), ("sample-gpt", "2+160"), ("damaged", "1+40"), ("large", "4000+60")):
+                with self.subTest(width=width, height=height, place=place):
+                    self.browser.look(width, height)
+                    self.open_sector(name, place)
+                    section = f"#sector-{place.split('+')[0]}"
+                    self.assertTrue(self.in_sight(f"{section} h3"))
+                    self.assertTrue(self.in_sight(f"{section} td.marked[data-at]"))
+                    self.assertTrue(self.in_sight(f"{section} tr.marked th"))
 
-    def test_an_address_that_leads_nowhere_says_why(self):
-        for fragment, said in (("#sector-999999999", "There is no sector 999999999: the disk ends with sector 196607."),
-                               ("#sector-x", "The address of this page names no sector."),
-                               ("#extent-5000", "There is no extent 5000 on this page.")):
-            self.browser.open(self.pages["sample-gpt"].path, fragment)
-            self.assertEqual(self.browser.run("return document.getElementById('nowhere').textContent"), said)
-            self.assertEqual(self.browser.run("return document.getElementById('live').textContent"), said)
+    def test_the_title_stays_in_sight_and_hides_nothing_that_has_the_focus(self):
+        for width, height in ((1280, 700), (390, 800)):
+            with self.subTest(width=width):
+                self.browser.look(width, height)
+                self.open_sector("sample-gpt", 2048)
+                rows = self.browser.run("return document.querySelectorAll('#sector-2048 tr[data-field]').length")
+                self.browser.run("document.querySelector('#sector-2048 tr[data-field]').focus()")
+                for key in [Keys.ARROW_DOWN] * (rows // 12) + [Keys.ARROW_UP] * (rows // 12):
+                    ActionChains(self.browser.driver, duration=0).send_keys(*[key] * 12).perform()
+                    self.assertTrue(self.focused_in_sight() and self.in_sight("#sector-2048 h3"),
+                                    self.browser.run("return document.activeElement.textContent"))
+
+    def note(self):
+        return self.browser.run("""const note = document.getElementById("place-note");
+            return note.checkVisibility() && note.querySelector("p").textContent;""")
+
+    def test_a_link_to_a_sector_without_a_structure_says_what_is_there(self):
+        self.open_sector("sample-gpt", 100000)
+        self.assertEqual(self.note(), "No structure stands in sector 100000. It lies in NTFS (Microsoft basic data) › NTFS.")
+        self.assertEqual(self.browser.run("return document.getElementById('live').textContent"), self.note())
+        self.assertTrue(self.in_sight("#place-note p"))
+        self.assertTrue(self.in_sight("#readout"))
+        self.assertIn("first 96256 last 104447", self.browser.run("return document.getElementById('readout').textContent"))
+        self.assertIn("sectors 95232 to 105471", self.browser.run("return document.getElementById('magnifier-range').textContent"))
+        self.assertIn("first 96256", self.browser.run("return document.querySelector('#magnifier .item.chosen').ariaLabel"))
+        self.assertIn("first 96256", self.browser.run("return document.activeElement.ariaLabel"))
+        self.assertEqual(self.browser.run("return document.querySelectorAll('#bars .place').length"), 2)
         self.browser.run("location.hash = '#sector-1'")
-        self.assertTrue(self.browser.wait("return !document.getElementById('nowhere')"))
+        self.assertTrue(self.browser.wait("return document.getElementById('place-note').hidden"))
+        self.assertEqual(self.browser.run("return document.querySelectorAll('#bars .place').length"), 0)
+        self.open_sector("sample-gpt", 40)
+        self.assertEqual(self.note(), "No structure stands in sector 40. Nothing claims it.")
+
+    def test_a_link_to_no_place_says_so(self):
+        for place, said in (
+                ("#sector-600000", "Sector 600000 lies beyond the end of the disk: its last sector is 196607."),
+                ("#sector-400000", "Sector 400000 lies beyond the end of the disk: its last sector is 196607. "
+                                   "Unlisted (Linux file system) claims it all the same."),
+                ("#sector-" + "9" * 30, f"Sector {'9' * 30} lies beyond the end of the disk: its last sector is 196607."),
+                ("#sector-1+512", "Sector 1 has no byte 512: 512 bytes of it were read."),
+                ("#sector-first", "This page has no place “sector-first”. Places are called sector-2048 or sector-2048+510."),
+                ("#extent-999", "This page has no place “extent-999”. Places are called sector-2048 or sector-2048+510."),
+                ("#%E2%80%AEcba", "This page has no place “[U+202E]cba”. Places are called sector-2048 or sector-2048+510.")):
+            with self.subTest(place):
+                self.browser.open(self.pages["damaged"].path, place)
+                self.assertEqual(self.note(), said)
+                self.assertEqual(self.browser.run("return document.getElementById('live').textContent"), said)
+        for place in ("", "#checks", "#map", "#sector-1"):
+            self.browser.open(self.pages["damaged"].path, place)
+            self.assertFalse(self.note())
+        self.assertEqual(self.browser.complaints(), [])
 
     def test_checks_lead_to_their_places(self):
         self.browser.open(self.pages["damaged"].path)
@@ -161,19 +217,27 @@ class Sections(unittest.TestCase):
         self.assertTrue(any(text.startswith("1GPT primary header CRC-32 check") for _, text in self.search("header crc good") +
                             self.search("good: gpt primary header crc")))
         self.assertEqual(self.search("(a[b]*"), [])
-        for number in ("79872", "79 872", "79,872", "79\u202f872"):
-            self.assertEqual(self.search(number)[0][0], "#sector-79872")
-            self.assertTrue(any(href == "#sector-2+416" for href, _ in self.search(number)), number)
+        self.assertEqual(self.search("79872")[0][0], "#sector-79872")
         self.assertTrue(any(href == "#sector-2048+510" for href, _ in self.search("55 aa")))
         self.assertTrue(any(href == "#sector-1+0" for href, _ in self.search("4546492050415254")))
         self.assertEqual(self.search("nothing has this name"), [])
 
-    def test_what_is_found_stands_among_whole_words(self):
+    def test_search_takes_numbers_with_their_digits_in_groups(self):
+        self.browser.open(self.pages["sample-gpt"].path)
+        wanted = self.search("73728")
+        self.assertEqual(wanted[0][0], "#sector-73728")
+        for typed in ("73 728", "73\u202f728", "73\u2009728", "73,728"):
+            with self.subTest(typed):
+                self.assertEqual(self.search(typed), wanted)
+        self.assertEqual(self.search("last 73 727"), self.search("last 73727"))
+        self.assertTrue(any(href == "#sector-1+0" for href, _ in self.search("45 46 49 20")))
+        self.assertFalse(any(href == "#sector-73728" for href, _ in self.search("73,7,28") + self.search("7 3728")))
+
+    def test_what_was_found_stands_between_whole_words(self):
         self.browser.open(self.pages["damaged"].path)
-        self.search("expected")
-        for snippet in self.browser.run("return [...document.querySelectorAll('#results .snippet')].map((s) => s.textContent)"):
-            if snippet.startswith("…"):
-                self.assertRegex(snippet, r"^… \S")
+        self.search("126976")
+        snippets = self.browser.run("""return [...document.querySelectorAll("#results .snippet")].map((s) => s.textContent)""")
+        self.assertIn("…1: 2048 to 73727; entry 9: 126976 to 131071 over entry 12: 122880 to 500000, expected none…", snippets)
 
     def test_search_by_keyboard_alone(self):
         self.browser.open(self.pages["sample-gpt"].path)
