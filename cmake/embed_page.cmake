@@ -25,7 +25,6 @@ set(modules
     copy
     section
     structures
-    joined
     index
     search
     place

@@ -5,7 +5,6 @@
 
 #include "map/page_text.h"
 #include "map/text_layout.h"
-#include "map/text_map.h"
 
 namespace trovisk {
 namespace {
@@ -13,29 +12,6 @@ namespace {
 constexpr std::size_t kMostExtents = 500;
 constexpr std::size_t kMostChecks = 500;
 constexpr std::size_t kMostStructureLines = 4000;
-
-std::string CutLine(std::size_t left) {
-  return "<p class=\"cut\">" + std::to_string(left) + " more are not in this table.</p>\n";
-}
-
-std::string Place(u64 sector) {
-  return "<a href=\"#sector-" + std::to_string(sector) + "\">" + HtmlNumber(sector) + "</a>";
-}
-
-std::string Head(std::initializer_list<std::string_view> columns) {
-  std::string html = "<thead><tr>";
-  for (const std::string_view column : columns) {
-    const bool number = column == "First" || column == "Last" || column == "Size" || column == "Sector";
-    html.append(number ? "<th scope=\"col\" class=\"number\">" : "<th scope=\"col\">");
-    html.append(column).append("</th>");
-  }
-  return html + "</tr></thead>\n";
-}
-
-std::string Fact(std::string_view label, std::string_view value) {
-  if (value.empty()) return {};
-  return "<div><dt>" + std::string(label) + "</dt><dd>" + std::string(value) + "</dd></div>\n";
-}
 
 std::size_t CountOf(const DiskMap& map, Verdict verdict) {
   return static_cast<std::size_t>(std::count_if(
@@ -48,22 +24,23 @@ std::string CheckRow(const Check& check) {
   std::replace(name.begin(), name.end(), ' ', '-');
   return "<tr class=\"" + name + "\">" +
          HtmlCell("<span class=\"verdict " + name + "\">" + std::string(verdict) + "</span>") +
-         "<th scope=\"row\">" + HtmlText(check.name) + "</th>" + HtmlCell(Place(check.sector), "number") +
+         "<th scope=\"row\">" + HtmlText(check.name) + "</th>" + HtmlCell(HtmlPlace(check.sector), "number") +
          HtmlCell(HtmlText(check.found), "found") + HtmlCell(HtmlText(check.expected), "expected") +
          "</tr>\n";
 }
 
 // Those of one verdict, or of either of two.
 std::string CheckTable(const DiskMap& map, Verdict one, Verdict other) {
-  std::string html =
-      "<table class=\"checks\">\n" + Head({"Verdict", "Check", "Sector", "Found", "Expected"}) + "<tbody>\n";
+  std::string html = "<table class=\"checks\">\n" +
+                     HtmlHead({{"Verdict"}, {"Check"}, {"Sector", true}, {"Found"}, {"Expected"}}) +
+                     "<tbody>\n";
   std::size_t count = 0;
   for (const Check& check : map.checks) {
     if (check.verdict != one && check.verdict != other) continue;
     if (++count <= kMostChecks) html += CheckRow(check);
   }
   html += "</tbody></table>\n";
-  return count > kMostChecks ? html + CutLine(count - kMostChecks) : html;
+  return count > kMostChecks ? html + HtmlCutLine(count - kMostChecks) : html;
 }
 
 std::string FoldedChecks(const DiskMap& map, Verdict verdict, std::string_view what) {
@@ -93,7 +70,7 @@ std::string ExtentRow(const Extent& extent, u32 sectorSize) {
     flags.append("<span class=\"badge\">").append(flag).append("</span>");
   const u64 depth = std::min<u64>(extent.depth, 6);
   return "<tr><th scope=\"row\" class=\"what depth-" + std::to_string(depth) + "\">" + TitleOf(extent) +
-         "</th>" + HtmlCell(NameOfKind(extent.kind), "kind") + HtmlCell(Place(extent.first), "number") +
+         "</th>" + HtmlCell(NameOfKind(extent.kind), "kind") + HtmlCell(HtmlPlace(extent.first), "number") +
          HtmlCell(HtmlNumber(extent.last), "number") + HtmlCell(SizeOf(extent, sectorSize), "number size") +
          HtmlCell(HtmlText(extent.source), "source") + HtmlCell(flags, "flags") + "</tr>\n";
 }
@@ -124,13 +101,14 @@ std::string FactsOfPage(const DiskMap& map) {
   const DiskFacts& disk = map.disk;
   std::string structures = std::to_string(map.structures);
   if (map.invalidStructures != 0) structures += ", " + std::to_string(map.invalidStructures) + " invalid";
-  std::string html = "<dl class=\"facts-list\">\n";
-  html += Fact("Size", disk.sectors == 0 ? "unknown" : SizeOfSectors(disk.sectors, disk.sectorSize));
-  html += Fact("Sectors", disk.sectors == 0 ? "unknown" : HtmlNumber(disk.sectors));
-  html += Fact("Sector size", std::to_string(disk.sectorSize) + " bytes");
-  html += Fact("Partitioned by", HtmlText(disk.scheme));
-  html += Fact(disk.id.starts_with("0x") ? "Disk signature" : "Disk GUID", HtmlText(disk.id));
-  html += Fact("Structures", structures) + "</dl>\n";
+  const bool known = disk.sectors != 0;
+  std::string html =
+      HtmlFacts({{"Size", known ? SizeOfSectors(disk.sectors, disk.sectorSize) : "unknown"},
+                 {"Sectors", known ? HtmlNumber(disk.sectors) : "unknown"},
+                 {"Sector size", std::to_string(disk.sectorSize) + " bytes"},
+                 {"Partitioned by", HtmlText(disk.scheme)},
+                 {disk.id.starts_with("0x") ? "Disk signature" : "Disk GUID", HtmlText(disk.id)},
+                 {"Structures", structures}});
   for (const std::string& sentence : map.cut)
     html += "<p class=\"alarm-note\">" + HtmlText(sentence) + "</p>\n";
   return html;
@@ -148,26 +126,20 @@ std::string ChecksOfPage(const DiskMap& map) {
          FoldedChecks(map, Verdict::kNotChecked, "not made");
 }
 
-// The text that a terminal shows; the script makes tables of it.
-std::string JoinedOfPage(const DiskMap& map) {
-  const std::string text = JoinedViews(map, {.forPerson = true, .width = 100, .utf8 = true});
-  if (text.empty()) return {};
-  return "<section aria-labelledby=\"joined-title\">\n<h2 id=\"joined-title\">What belongs "
-         "together</h2>\n<pre>" +
-         HtmlText(text) + "</pre>\n</section>";
-}
-
 std::string ExtentsOfPage(const DiskMap& map) {
-  std::string html = "<table class=\"extents\">\n" +
-                     Head({"What", "Kind", "First", "Last", "Size", "Source", "Flags"}) + "<tbody>\n";
+  std::string html =
+      "<table class=\"extents\">\n" +
+      HtmlHead({{"What"}, {"Kind"}, {"First", true}, {"Last", true}, {"Size", true}, {"Source"}, {"Flags"}}) +
+      "<tbody>\n";
   for (std::size_t i = 0; i < std::min(map.extents.size(), kMostExtents); ++i)
     html += ExtentRow(map.extents[i], map.disk.sectorSize);
   html += "</tbody></table>\n";
-  return map.extents.size() > kMostExtents ? html + CutLine(map.extents.size() - kMostExtents) : html;
+  return map.extents.size() > kMostExtents ? html + HtmlCutLine(map.extents.size() - kMostExtents) : html;
 }
 
 std::string StructuresOfPage(const std::vector<StructureLine>& structures) {
-  std::string html = "<table class=\"structure-lines\">\n" + Head({"Sector", "Structure", ""}) + "<tbody>\n";
+  std::string html =
+      "<table class=\"structure-lines\">\n" + HtmlHead({{"Sector", true}, {"Structure"}, {""}}) + "<tbody>\n";
   for (const StructureLine& line :
        std::span(structures).first(std::min(structures.size(), kMostStructureLines))) {
     html += "<tr id=\"sector-" + std::to_string(line.sector) + "\">" +
@@ -178,7 +150,7 @@ std::string StructuresOfPage(const std::vector<StructureLine>& structures) {
             "</tr>\n";
   }
   html += "</tbody></table>\n";
-  return structures.size() > kMostStructureLines ? html + CutLine(structures.size() - kMostStructureLines)
+  return structures.size() > kMostStructureLines ? html + HtmlCutLine(structures.size() - kMostStructureLines)
                                                  : html;
 }
 

@@ -1,5 +1,5 @@
-// The parts of a page that can be read without its script: facts, bar, checks, extents, structures. All give
-// HTML; long tables are cut, and say so.
+// The parts of a page that can be read without its script: facts, bar, checks, what belongs together,
+// extents, structures. All give HTML; long tables are cut, and say so.
 
 #ifndef TROVISK_MAP_PAGE_TABLES_H
 #define TROVISK_MAP_PAGE_TABLES_H

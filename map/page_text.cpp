@@ -46,4 +46,31 @@ std::string HtmlCell(std::string_view content, std::string_view name) {
   return html.append(">").append(content).append("</td>");
 }
 
+std::string HtmlPlace(u64 sector) {
+  return "<a href=\"#sector-" + std::to_string(sector) + "\">" + HtmlNumber(sector) + "</a>";
+}
+
+std::string HtmlHead(std::initializer_list<HtmlColumn> columns) {
+  std::string html = "<thead><tr>";
+  for (const HtmlColumn& column : columns) {
+    html.append(column.number ? "<th scope=\"col\" class=\"number\">" : "<th scope=\"col\">");
+    html.append(column.name).append("</th>");
+  }
+  return html + "</tr></thead>\n";
+}
+
+std::string HtmlFacts(std::initializer_list<HtmlFact> facts) {
+  std::string html = "<dl class=\"facts-list\">\n";
+  for (const HtmlFact& fact : facts) {
+    if (fact.value.empty()) continue;
+    html.append("<div><dt>").append(fact.label).append("</dt><dd>").append(fact.value);
+    html.append("</dd></div>\n");
+  }
+  return html + "</dl>\n";
+}
+
+std::string HtmlCutLine(std::size_t left) {
+  return "<p class=\"cut\">" + std::to_string(left) + " more are not in this table.</p>\n";
+}
+
 }  // namespace trovisk

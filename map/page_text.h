@@ -3,6 +3,7 @@
 #ifndef TROVISK_MAP_PAGE_TEXT_H
 #define TROVISK_MAP_PAGE_TEXT_H
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,25 @@ std::string HtmlNumber(u64 number);
 
 // <td>, with a class where one is given. content: HTML.
 std::string HtmlCell(std::string_view content, std::string_view name = {});
+
+// A link to the sector's place on the page.
+std::string HtmlPlace(u64 sector);
+
+struct HtmlColumn {
+  std::string_view name;
+  bool number = false;
+};
+std::string HtmlHead(std::initializer_list<HtmlColumn> columns);
+
+// A list of facts; those without a value are left out. value: HTML.
+struct HtmlFact {
+  std::string_view label;
+  std::string value;
+};
+std::string HtmlFacts(std::initializer_list<HtmlFact> facts);
+
+// That so many rows were left out.
+std::string HtmlCutLine(std::size_t left);
 
 }  // namespace trovisk
 

@@ -6,7 +6,6 @@ import { categorise } from "./looks.js";
 import { loadDocument } from "./document.js";
 import { startExtents } from "./extents.js";
 import { startStructures } from "./structures.js";
-import { startJoined } from "./joined.js";
 import { startMap } from "./map.js";
 import { startPlaces } from "./place.js";
 import { startSearch } from "./search.js";
@@ -16,7 +15,6 @@ async function start() {
   categorise();
   tellHeight(document.querySelector(".top"), document.documentElement, "--top-height");
   startMap();
-  startJoined();
   startExtents();
   startStructures();
   startSearch();

@@ -1,7 +1,7 @@
 // Goes where the page's address says: #sector-2048, #sector-2048+510, #extent-3. Where nothing stands there, says
 // what is known of the place.
 
-import { announce, button, byId, digits, el, put } from "./dom.js";
+import { announce, button, byId, digits, el, put, tellHeightNow } from "./dom.js";
 import { bytesOf, doc, extentsAt, nameMarks, structureAt } from "./document.js";
 import { chooseExtent, showExtent } from "./extents.js";
 import { big, counted } from "./format.js";
@@ -20,6 +20,7 @@ function say(...parts) {
   const said = el("p", {}, parts);
   put(note, said, button("×", { "aria-label": "Close this note" }, hide));
   note.hidden = parts.length === 0;
+  tellHeightNow(note.parentElement);
   if (parts.length) announce(said.textContent);
 }
 

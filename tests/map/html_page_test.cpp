@@ -173,8 +173,8 @@ TEST(HtmlPage, ShowsWhatBelongsTogetherWithoutItsScript) {
   DiskMap map;
   map.storageSpaces.emplace();
   map.storageSpaces->poolName = "<Pool>";
-  EXPECT_NE(Page(map).find("<pre>Storage pool &lt;Pool&gt;"), std::string::npos);
-  EXPECT_EQ(Page({}).find("<pre>Storage pool"), std::string::npos);
+  EXPECT_NE(Page(map).find("<dt>Pool</dt><dd>&lt;Pool&gt;</dd>"), std::string::npos);
+  EXPECT_EQ(Page({}).find("<dt>Pool</dt>"), std::string::npos);
 }
 
 }  // namespace

@@ -113,13 +113,27 @@ class WithoutScript(unittest.TestCase):
         self.assertIn("The disk to scale", text)
 
     def test_what_belongs_together_can_be_read(self):
-        page = self.pages["sample-dynamic"]
+        page = self.pages["damaged"]
         self.browser.open(page.path, ready=False)
         text = self.visible_text()
-        for volume in page.document["dynamic_disk"]["volumes"]:
-            self.assertIn(volume["name"], text)
-            for component in volume["components"]:
-                self.assertIn(component["name"], text)
+        dynamic = page.document["dynamic_disk"]
+        self.assertIn("Dynamic disk", text)
+        for disk in dynamic["disks"]:
+            self.assertIn(f"{disk['name']}", text)
+            self.assertIn(disk["guid"], text)
+        for volume in dynamic["volumes"]:
+            for part in (volume["name"], volume["guid"], volume["components"][0]["name"]):
+                self.assertIn(part, text)
+            for partition in volume["components"][0]["partitions"]:
+                self.assertIn(partition["name"], text)
+        for remark in dynamic["remarks"]:
+            self.assertIn(remark, text)
+        self.assertIn("last known as the disk on the second shelf from the left", text)
+        self.assertIn("stripes of 64.0 KiB", text)
+        self.assertIn("Storage Spaces", text)
+        self.assertIn(page.document["storage_spaces"]["pool_guid"], text)
+        self.assertIn('<td class="number"><a href="#sector-126976">126<span class="group">976</span></a></td>', page.text)
+        self.assertNotIn('<section id="dynamic-disk"', self.pages["sample-mbr"].text)
 
     def test_links_of_checks_lead_to_the_structures(self):
         text = self.pages["damaged"].text
