@@ -1,6 +1,6 @@
 // How numbers and places are said.
 
-const UNITS = ["bytes", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"];
+const UNITS = ["B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"];
 
 export function big(number) {
   return number === null || number === undefined ? null : BigInt(number);
@@ -19,9 +19,9 @@ export function sizeText(bytes) {
     scale *= 1024n;
     unit += 1;
   }
-  if (unit === 0) return bytes === 1n ? "1 byte" : `${bytes} bytes`;
+  if (unit === 0) return `${bytes} B`;
   const tenths = rounded(bytes, scale);
-  return tenths % 10n === 0n ? `${tenths / 10n} ${UNITS[unit]}` : `${tenths / 10n}.${tenths % 10n} ${UNITS[unit]}`;
+  return `${tenths / 10n}.${tenths % 10n} ${UNITS[unit]}`;
 }
 
 export function counted(number, one, many) {

@@ -5,8 +5,10 @@ import { offsetText } from "./format.js";
 
 const FEWEST_EQUAL = 3;
 
+export const NARROW = window.matchMedia("screen and (max-width: 720px)");
+
 export function bytesPerRow() {
-  return window.matchMedia("(max-width: 720px)").matches ? 8 : 16;
+  return NARROW.matches ? 8 : 16;
 }
 
 function printable(byte) {
@@ -145,5 +147,5 @@ export function numbersAt(bytes, at) {
     for (let i = length - 1; i >= 0; i -= 1) value = value * 256n + BigInt(bytes[at + i]);
     said.push(`u${length * 8}\u00a0${value}`);
   }
-  return said.join(" · ");
+  return said;
 }

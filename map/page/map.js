@@ -1,6 +1,6 @@
 // The picture of the disk: the bar to scale, the window in it, and the magnified bar below.
 
-import { barWidth, beyondStrip, picture, placeLine } from "./picture.js";
+import { barWidth, beyondStrip, canvas, picture, placeLine } from "./picture.js";
 import { beyondNote, describe, legend } from "./readout.js";
 import { button, byId, digits, el, put, svg } from "./dom.js";
 import { drawAxis, drawBar } from "./bar.js";
@@ -22,9 +22,9 @@ function drawMagnified() {
   const key = focused && (focused.dataset.extent ?? `s${focused.dataset.sector}`);
   const drawing = drawBar({ ...picture, view, width, heights: MAGNIFIED, interactive: true });
   picture.magnifier.replaceChildren(
-    svg(
-      "svg",
-      { width: picture.magnifier.clientWidth, height: drawing.height + 16 },
+    canvas(
+      picture.magnifier,
+      drawing.height + 16,
       drawing.parts,
       placeLine(drawing.scale, drawing.height),
       view.from + view.length === doc.sectors ? beyondStrip(width, drawing.height) : null,
@@ -80,8 +80,8 @@ export function drawMap() {
 export function startMap() {
   picture.lanes = makeLanes();
   picture.marks = makeMarks();
-  picture.overview = el("div", { id: "overview" });
-  picture.funnel = el("div", { id: "funnel" });
+  picture.overview = el("div", { id: "overview", "aria-hidden": "true" });
+  picture.funnel = el("div", { id: "funnel", "aria-hidden": "true" });
   picture.magnifier = el("div", {
     id: "magnifier",
     tabindex: 0,
@@ -112,6 +112,14 @@ export function startMap() {
   describe(null);
   drawMap();
   showAll();
+  for (const [event, onPaper] of [
+    ["beforeprint", true],
+    ["afterprint", false],
+  ])
+    window.addEventListener(event, () => {
+      picture.onPaper = onPaper;
+      drawMap();
+    });
   new ResizeObserver(drawMap).observe(picture.overview);
 }
 

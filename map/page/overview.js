@@ -1,6 +1,6 @@
 // The bar to scale, and the window in it that the magnifier shows.
 
-import { barWidth, beyondStrip, picture, placeLine, whole } from "./picture.js";
+import { barWidth, beyondStrip, canvas, picture, placeLine, whole } from "./picture.js";
 import { describe } from "./readout.js";
 import { doc } from "./document.js";
 import { drawBar, scaleOf } from "./bar.js";
@@ -14,9 +14,9 @@ export function drawOverview() {
   const drawing = drawBar({ ...picture, view: whole(), width, heights: OVERVIEW, interactive: false });
   picture.window = svg("g", { class: "window" });
   picture.overview.replaceChildren(
-    svg(
-      "svg",
-      { width: picture.overview.clientWidth, height: drawing.height, "aria-hidden": "true" },
+    canvas(
+      picture.overview,
+      drawing.height,
       drawing.parts,
       placeLine(drawing.scale, drawing.height),
       beyondStrip(width, drawing.height),
@@ -31,7 +31,7 @@ export function drawWindow() {
   const width = barWidth(picture.overview);
   if (view.length === doc.sectors) {
     picture.window.replaceChildren();
-    picture.funnel.replaceChildren(svg("svg", { width, height: 16, "aria-hidden": "true" }));
+    picture.funnel.replaceChildren(canvas(picture.overview, 16));
     return;
   }
   const scale = scaleOf(whole(), width);
@@ -51,11 +51,7 @@ export function drawWindow() {
     }),
   );
   picture.funnel.replaceChildren(
-    svg(
-      "svg",
-      { width, height: 16, "aria-hidden": "true" },
-      svg("path", { d: `M${left},0 L0,16 H${width} L${right},0 Z`, class: "funnel" }),
-    ),
+    canvas(picture.overview, 16, svg("path", { d: `M${left},0 L0,16 H${width} L${right},0 Z`, class: "funnel" })),
   );
 }
 

@@ -7,16 +7,29 @@ const BEYOND = 18;
 
 // overview, funnel, magnifier, range, readout: elements; window: the drawing of the window in the overview;
 // overviewHeight: in pixels; lanes, marks: what is drawn; place: the sector that is asked for, chosen: the extent
-// around it, or null.
-export const picture = { place: null, chosen: null };
+// around it, or null; onPaper: whether it is drawn for a printer.
+export const picture = { place: null, chosen: null, onPaper: false };
 
 export function whole() {
   return { from: 0n, length: doc.sectors };
 }
 
+// A bar on paper is as wide as its column, whatever the window.
+const PAPER = 660;
+
+export function fullWidth(element) {
+  return picture.onPaper ? PAPER : element.clientWidth;
+}
+
+// What a bar of the picture is drawn on.
+export function canvas(element, height, ...parts) {
+  const width = fullWidth(element);
+  return svg("svg", { width, height, viewBox: `0 0 ${width} ${height}` }, parts);
+}
+
 // Beside the bar stands what lies beyond the end of the disk, not to scale.
 export function barWidth(element) {
-  return element.clientWidth - (doc.beyond.length ? BEYOND : 0);
+  return fullWidth(element) - (doc.beyond.length ? BEYOND : 0);
 }
 
 export function beyondStrip(width, height) {

@@ -19,8 +19,8 @@ export function describe(item) {
     put(
       picture.readout,
       el("strong", {}, structure?.title ?? "Nothing to decode"),
-      " sector ",
-      digits(item.dataset.sector),
+      " ",
+      el("span", { class: "fact" }, "sector ", digits(item.dataset.sector)),
       structure && !structure.valid ? el("span", { class: "badge bad" }, "invalid") : "",
     );
     return;
@@ -29,13 +29,13 @@ export function describe(item) {
   const sectors = sectorsOf(extent);
   put(
     picture.readout,
-    swatch(extent.category),
-    el("strong", {}, titleOf(extent)),
-    " first ",
-    digits(extent.first),
-    " last ",
-    digits(extent.last),
-    ` · ${sectors === null ? "no size" : sizeText(sectors * doc.sectorSize)} · ${extent.kind}, says ${extent.source}`,
+    el("strong", {}, swatch(extent.category), titleOf(extent)),
+    [
+      ["first ", digits(extent.first)],
+      ["last ", digits(extent.last)],
+      sectors === null ? "no size" : sizeText(sectors * doc.sectorSize),
+      `${extent.kind}, says ${extent.source}`,
+    ].map((fact) => [" ", el("span", { class: "fact" }, fact)]),
     extent.flags.map((flag) => el("span", { class: "badge warn" }, flag)),
   );
 }

@@ -1,11 +1,11 @@
 // The section of one structure: its fields, its report, and the bytes of its sector beside them. What is pointed
 // at on one side is marked on the other; a click keeps it marked.
 
-import { digits, el } from "./dom.js";
+import { digits, el, put } from "./dom.js";
 import { bytesOf, partitionNameAt } from "./document.js";
 import { copyButton, structureText } from "./copy.js";
 import { fieldAt, fieldTable } from "./fields.js";
-import { hexTable, mark, numbersAt, unfoldAt } from "./hex.js";
+import { NARROW, hexTable, mark, numbersAt, unfoldAt } from "./hex.js";
 import { offsetText } from "./format.js";
 import { reportBlocks, reportBody } from "./report.js";
 
@@ -15,6 +15,16 @@ function connect(structure, bytes, fields, hexHolder, note) {
   const hint = "Point at a field to see its bytes, at a byte to see its field.";
   const fieldRows = () => fields?.querySelectorAll("tr[data-field]") ?? [];
 
+  // Lines break behind the dots between the parts.
+  function say(at, field) {
+    const fact = (said) => el("span", { class: "fact" }, said);
+    const parts = [fact(`${offsetText(at)} (${at})`), ...numbersAt(bytes, at).map(fact)];
+    if (field) parts.splice(1, 0, `${field.label}: ${field.value}`);
+    put(
+      note,
+      parts.map((part, i) => [i ? "\u00a0· " : "", part]),
+    );
+  }
   function markField(index) {
     for (const row of fieldRows()) row.classList.toggle("marked", Number(row.dataset.field) === index);
   }
@@ -22,11 +32,8 @@ function connect(structure, bytes, fields, hexHolder, note) {
     mark(table(), from, length);
     markField(index);
     const field = structure.fields[index];
-    const where = length > 0 ? `${offsetText(from)} (${from})` : "";
-    note.textContent =
-      length === 0
-        ? hint
-        : [where, field ? `${field.label}: ${field.value}` : "", numbersAt(bytes, from)].filter(Boolean).join(" · ");
+    if (length > 0) say(from, field);
+    else put(note, hint);
   }
   function showField(index) {
     const field = structure.fields[index];
@@ -47,8 +54,7 @@ function connect(structure, bytes, fields, hexHolder, note) {
     const index = fieldAt(structure.fields, at);
     const field = structure.fields[index];
     show(field ? Number(field.offset) : at, field ? Number(field.length) : 1, index);
-    const said = [`${offsetText(at)} (${at})`, field ? `${field.label}: ${field.value}` : "", numbersAt(bytes, at)];
-    note.textContent = said.filter(Boolean).join(" · ");
+    say(at, field);
   }
   function restore() {
     if (kept.length) show(kept.from, kept.length, fieldAt(structure.fields, kept.from));
@@ -152,7 +158,7 @@ export function fillSection(holder, structure) {
   if (!bytes.length) return () => {};
   drawHex();
   const goTo = connect(structure, bytes, fields, hexHolder, note);
-  window.matchMedia("(max-width: 720px)").addEventListener("change", drawHex);
+  NARROW.addEventListener("change", drawHex);
   return goTo;
 }
 

@@ -109,7 +109,7 @@ class Map(unittest.TestCase):
         item = self.browser.driver.find_element("css selector", f"#magnifier .item[data-extent='{index}']")
         ActionChains(self.browser.driver).move_to_element(item).perform()
         said = self.browser.run("return document.getElementById('readout').textContent")
-        for part in ("EFI system", "first 2048", "last 73727", "35 MiB"):
+        for part in ("EFI system", "first 2048", "last 73727", "35.0 MiB"):
             self.assertIn(part, said)
         ActionChains(self.browser.driver).click().perform()
         self.assertEqual(self.browser.run("return location.hash"), "#sector-2048")

@@ -62,6 +62,52 @@ class Reading(unittest.TestCase):
         SCREENSHOTS.mkdir(parents=True, exist_ok=True)
         (SCREENSHOTS / "sample-gpt.pdf").write_bytes(printed)
 
+    def test_type_on_paper_can_be_read(self):
+        self.browser.look(688, 900, media="print")
+        self.browser.open(self.pages["damaged"].path, "#sector-1")
+        sizes = self.browser.run("""const texts = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);
+            const sizes = [];
+            for (let text = texts.nextNode(); text; text = texts.nextNode()) {
+              const holder = text.parentElement;
+              if (text.data.trim() && holder.checkVisibility() && !holder.closest("svg, .unseen, script, style, noscript"))
+                sizes.push([parseFloat(getComputedStyle(holder).fontSize) * 0.75, text.data.trim().slice(0, 40)]);
+            }
+            return sizes.sort((a, b) => a[0] - b[0]);""")
+        self.assertGreaterEqual(sizes[0][0], 7.5, sizes[0])
+        self.assertLessEqual(sizes[-1][0], 14, sizes[-1])
+        self.assertEqual(self.browser.run("return getComputedStyle(document.querySelector('.extents tr')).display"), "table-row")
+        self.assertEqual(self.browser.run("return document.querySelectorAll('#sector-1 .hex thead th').length"), 18)
+        self.assertLessEqual(self.browser.run("return document.documentElement.scrollWidth"), 688)
+
+    def test_the_picture_is_drawn_anew_for_paper(self):
+        widths = """return [...document.querySelectorAll("#overview > svg, #magnifier > svg")].map((drawing) =>
+            drawing.viewBox.baseVal.width)"""
+        self.browser.open(self.pages["damaged"].path)
+        on_screen = self.browser.run(widths)
+        self.assertTrue(all(width > 1000 for width in on_screen), on_screen)
+        self.browser.run("dispatchEvent(new Event('beforeprint'))")
+        self.assertEqual(self.browser.run(widths), [660, 660])
+        self.browser.run("dispatchEvent(new Event('afterprint'))")
+        self.assertEqual(self.browser.run(widths), on_screen)
+
+    def test_what_is_said_of_a_place_breaks_between_its_parts(self):
+        for width in (1280, 390, 320):
+            with self.subTest(width=width):
+                self.browser.look(width, 900)
+                self.browser.open(self.pages["sample-gpt"].path, "#sector-100000")
+                self.assertIn("first 96256 last 104447", self.browser.run("return document.getElementById('readout').textContent"))
+                broken = """const parts = [...document.querySelectorAll(arguments[0])];
+                    return [parts.length, parts.filter((part) => part.getClientRects().length > 1).map((part) => part.textContent)]"""
+                count, found = self.browser.run(broken, "#readout .fact")
+                self.assertEqual((count, found), (4, []))
+                swatch, title = self.browser.run("""return ["svg", "strong"].map((name) => {
+                    const box = document.querySelector(`#readout ${name}`).getBoundingClientRect();
+                    return box.top + box.height / 2; })""")
+                self.assertAlmostEqual(swatch, title, delta=6)
+                self.browser.open(self.pages["sample-gpt"].path, "#sector-2048+510")
+                count, found = self.browser.run(broken, "#sector-2048 .byte-note .fact")
+                self.assertEqual((count, found), (3, []))
+
     def test_pictures(self):
         SCREENSHOTS.mkdir(parents=True, exist_ok=True)
         for name, page in self.pages.items():
