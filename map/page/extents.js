@@ -3,17 +3,16 @@
 import { button, byId, digits, el, sectorLink } from "./dom.js";
 import { doc } from "./document.js";
 import { sectorsOf, sizeText } from "./format.js";
-import { isAlarming, swatch, titleOf } from "./looks.js";
+import { ALARMING, isAlarming, swatch, titleOf } from "./looks.js";
 import { lookAt } from "./magnifier.js";
 
 const ROWS_AT_ONCE = 200;
-const ALARMS = new Set(["overlaps", "beyond-end", "reversed", "damaged", "unsound", "copy-differs"]);
 
 let body;
 let shown = 0;
 
 export function flagBadges(flags) {
-  return flags.map((flag) => el("span", { class: ALARMS.has(flag) ? "badge bad" : "badge" }, flag));
+  return flags.map((flag) => el("span", { class: ALARMING.includes(flag) ? "badge bad" : "badge" }, flag));
 }
 
 function row(extent) {

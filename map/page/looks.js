@@ -14,7 +14,7 @@ const CATEGORIES = [
   ["linux", "Linux", /linux|ext[234]|xfs|btrfs|swap|lvm|raid|f2fs|erofs|squashfs|zfs/i],
 ];
 
-const ALARMING = ["overlaps", "beyond-end", "reversed", "damaged", "unsound", "copy-differs"];
+export const ALARMING = ["overlaps", "beyond-end", "reversed", "damaged", "unsound", "copy-differs"];
 
 export function isAlarming(extent) {
   return extent.flags.some((flag) => ALARMING.includes(flag));
