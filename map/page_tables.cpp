@@ -91,8 +91,7 @@ std::string VerdictOfPage(const DiskMap& map) {
   const std::size_t missing = CountOf(map, Verdict::kMissing);
   std::string said;
   if (bad != 0) said = Counted(bad, "check") + " bad";
-  if (missing != 0)
-    said += (said.empty() ? Counted(missing, "check") : ", " + std::to_string(missing)) + " missing";
+  if (missing != 0) said += (said.empty() ? "" : ", ") + Counted(missing, "thing") + " missing";
   if (said.empty()) said = "Extents do not fit";
   return "<p class=\"verdict-pill bad\"><a href=\"#checks\">" + said + "</a></p>";
 }
@@ -119,6 +118,8 @@ std::string ChecksOfPage(const DiskMap& map) {
   std::string html;
   if (wrong != 0) {
     html = CheckTable(map, Verdict::kBad, Verdict::kMissing);
+  } else if (!HasTableOrVolume(map) && CountOf(map, Verdict::kGood) == 0) {
+    html = "<p>Nothing could be checked: neither a table nor a volume was found.</p>\n";
   } else {
     html = "<p class=\"all-good\">None of the checks found anything wrong.</p>\n";
   }

@@ -54,6 +54,10 @@ export async function loadDocument() {
     structure.start = big(structure.sector);
     structure.end = structure.start + big(structure.count) - 1n;
   }
+  for (const check of doc.checks) {
+    check.start = big(check.sector);
+    check.wrong = check.verdict === "bad" || check.verdict === "missing";
+  }
   doc.sectors = big(doc.disk.sectors) ?? doc.extents.reduce((most, e) => (e.end >= most ? e.end + 1n : most), 1n);
   if (doc.sectors === 0n) doc.sectors = 1n;
   doc.beyond = doc.extents.filter((extent) => extent.end >= doc.sectors || extent.start >= doc.sectors);
@@ -83,6 +87,16 @@ export function lastAtOrBefore(items, sector) {
 export function structureAt(sector) {
   const found = doc.structures[lastAtOrBefore(doc.structures, sector)];
   return found && found.end >= sector ? found : null;
+}
+
+// Checks of the sector that are bad or miss something.
+export function wrongChecksAt(sector) {
+  return doc.checks.filter(({ wrong, start }) => wrong && start === sector);
+}
+
+// "Missing: GPT backup header"
+export function checkTitle(check) {
+  return `${check.verdict === "missing" ? "Missing" : "Bad"}: ${check.check}`;
 }
 
 // The extents that hold the sector, outermost first.

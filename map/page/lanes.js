@@ -1,7 +1,7 @@
 // Which extent is drawn in which lane of a bar: what holds others, partitions, volumes, areas. What overlaps
 // another of its lane goes one row down, and the sectors that both claim are an overlap of their own.
 
-import { doc, isPartition } from "./document.js";
+import { checkTitle, doc, isPartition, wrongChecksAt } from "./document.js";
 
 const MOST_ROWS = 4;
 // What another table or another reading says of sectors: no two partitions, but two opinions.
@@ -63,20 +63,17 @@ export function makeLanes() {
 
 // Where marks stand: structures, and the sectors of checks that are bad or missing.
 export function makeMarks() {
-  const wrong = new Set(
-    doc.checks.filter((c) => c.verdict === "bad" || c.verdict === "missing").map((c) => String(c.sector)),
-  );
+  const wrong = new Set(doc.checks.filter((check) => check.wrong).map((check) => check.start));
   const marks = doc.structures.map((structure) => ({
     start: structure.start,
     end: structure.end,
     title: structure.title,
-    wrong: !structure.valid || wrong.has(String(structure.sector)),
+    wrong: !structure.valid || wrong.has(structure.start),
   }));
-  const known = new Set(doc.structures.map((structure) => String(structure.sector)));
+  const known = new Set(doc.structures.map((structure) => structure.start));
   for (const sector of wrong) {
-    if (!known.has(sector) && BigInt(sector) < doc.sectors) {
-      marks.push({ start: BigInt(sector), end: BigInt(sector), title: "what a check misses", wrong: true });
-    }
+    if (known.has(sector) || sector >= doc.sectors) continue;
+    marks.push({ start: sector, end: sector, title: checkTitle(wrongChecksAt(sector)[0]), wrong: true });
   }
   for (const extent of doc.extents) {
     if (!drawable(extent) && extent.start < doc.sectors)

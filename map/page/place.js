@@ -2,7 +2,7 @@
 // what is known of the place.
 
 import { announce, button, byId, digits, el, put, tellHeightNow } from "./dom.js";
-import { bytesOf, doc, extentsAt, nameMarks, structureAt } from "./document.js";
+import { bytesOf, checkTitle, doc, extentsAt, nameMarks, structureAt, wrongChecksAt } from "./document.js";
 import { chooseExtent, showExtent } from "./extents.js";
 import { big, counted } from "./format.js";
 import { showInPicture } from "./map.js";
@@ -28,11 +28,17 @@ function extentLink(extent) {
   return el("a", { href: `#extent-${extent.index}` }, titleOf(extent));
 }
 
+function whatIsExpected(sector) {
+  return wrongChecksAt(sector).map(
+    (check) => ` ${checkTitle(check)}; found ${check.found}, expected ${check.expected}.`,
+  );
+}
+
 function sayWhatHolds(sector, around) {
   const claims = around.filter((extent) => extent.kind !== "gap" && !extent.flags.includes("container"));
   const chain = claims.map((extent, i) => [i ? " › " : "", extentLink(extent)]);
   const where = claims.length ? ["It lies in ", chain, "."] : "Nothing claims it.";
-  say("No structure stands in sector ", digits(sector), ". ", where);
+  say("No structure stands in sector ", digits(sector), ". ", where, whatIsExpected(sector));
 }
 
 function sayBeyond(sector, around) {
@@ -40,7 +46,7 @@ function sayBeyond(sector, around) {
     ? [" lies beyond the end of the disk: its last sector is ", digits(doc.sectors - 1n), "."]
     : " lies beyond all that this disk states; how long it is is not known.";
   const claim = around.length ? [" ", extentLink(around.at(-1)), " claims it all the same."] : "";
-  say("Sector ", digits(sector), end, claim);
+  say("Sector ", digits(sector), end, claim, whatIsExpected(sector));
 }
 
 function goToSector(sector, offset) {

@@ -2,9 +2,11 @@
 
 import { categoryNames, isAlarming, swatch, titleOf } from "./looks.js";
 import { digits, el, put, svg } from "./dom.js";
-import { doc, structureAt } from "./document.js";
+import { checkTitle, doc, isPartition, structureAt, wrongChecksAt } from "./document.js";
 import { sectorsOf, sizeText } from "./format.js";
 import { picture } from "./picture.js";
+
+const MOST_PLACES = 6;
 
 export function describe(item) {
   if (!item) {
@@ -15,12 +17,14 @@ export function describe(item) {
     return;
   }
   if (item.dataset.sector) {
-    const structure = structureAt(BigInt(item.dataset.sector));
+    const sector = BigInt(item.dataset.sector);
+    const structure = structureAt(sector);
+    const [check] = wrongChecksAt(sector);
     put(
       picture.readout,
-      el("strong", {}, structure?.title ?? "Nothing to decode"),
+      el("strong", {}, structure?.title ?? (check ? checkTitle(check) : "Nothing to decode")),
       " ",
-      el("span", { class: "fact" }, "sector ", digits(item.dataset.sector)),
+      el("span", { class: "fact" }, "sector ", digits(sector)),
       structure && !structure.valid ? el("span", { class: "badge bad" }, "invalid") : "",
     );
     return;
@@ -40,20 +44,37 @@ export function describe(item) {
   );
 }
 
-export function beyondNote() {
-  if (doc.beyond.length === 0) return null;
-  return el(
-    "p",
-    { class: "alarm-note" },
-    el("strong", {}, "Beyond the end of the disk: "),
-    doc.beyond
-      .slice(0, 6)
+function places(extents) {
+  const left = extents.length - MOST_PLACES;
+  return [
+    extents
+      .slice(0, MOST_PLACES)
       .map((extent, i) => [
         i ? "; " : "",
         `${titleOf(extent)}, `,
         el("a", { href: `#extent-${extent.index}` }, "sector ", digits(extent.first)),
       ]),
-    doc.beyond.length > 6 ? `; and ${doc.beyond.length - 6} more` : "",
+    left > 0 ? `; and ${left} more` : "",
+  ];
+}
+
+export function beyondNote() {
+  if (doc.beyond.length === 0) return null;
+  const partitions = doc.beyond.filter(isPartition);
+  const lost = partitions.length ? partitions : doc.beyond;
+  const across = lost.filter((extent) => extent.start < doc.sectors);
+  const behind = lost.filter((extent) => extent.start >= doc.sectors);
+  const reach = doc.beyond.reduce((most, { start, end }) => [most, start, end].reduce((a, b) => (a > b ? a : b)), 0n);
+  return el(
+    "p",
+    { class: "alarm-note" },
+    el("strong", {}, "The disk ends at sector ", digits(doc.sectors - 1n)),
+    ", but what its tables state reaches to sector ",
+    digits(reach),
+    ".",
+    across.length ? [" Across its end: ", places(across), "."] : "",
+    behind.length ? [" Beyond it: ", places(behind), "."] : "",
+    " An image of a disk may have been cut short.",
   );
 }
 

@@ -135,9 +135,9 @@ TEST(HtmlPage, VerdictSaysWhatIsWrong) {
   map.checks = {{1, "a", Verdict::kBad, "", ""},
                 {2, "b", Verdict::kMissing, "", ""},
                 {3, "c", Verdict::kMissing, "", ""}};
-  EXPECT_NE(Page(map).find("1 check bad, 2 missing"), std::string::npos);
+  EXPECT_NE(Page(map).find("1 check bad, 2 things missing"), std::string::npos);
   map.checks.erase(map.checks.begin());
-  EXPECT_NE(Page(map).find("2 checks missing"), std::string::npos);
+  EXPECT_NE(Page(map).find("2 things missing"), std::string::npos);
 }
 
 TEST(HtmlPage, StillBarIsToScale) {

@@ -87,6 +87,24 @@ def overlap_disk(path):
     return gpt_disk(path, 40960, [entry(0, 2048, 20479, "First"), entry(1, 16384, 30719, "Second", BASIC)])
 
 
+def cut_disk(path, sample):
+    """The first half of the sample."""
+    shutil.copy(sample, path)
+    with open(path, "r+b") as disk:
+        disk.truncate(98304 * SECTOR)
+    return Path(path)
+
+
+def wiped_disk(path, sample, *sectors):
+    """The sample with zeros in the sectors."""
+    shutil.copy(sample, path)
+    with open(path, "r+b") as disk:
+        for sector in sectors:
+            disk.seek(sector * SECTOR)
+            disk.write(bytes(SECTOR))
+    return Path(path)
+
+
 def damaged_disk(path, sample):
     """The sample with a wrong checksum in its primary header, an overlap, and a partition beyond its end."""
     shutil.copy(sample, path)

@@ -6,7 +6,7 @@ import sys
 from dataclasses import dataclass
 from pathlib import Path
 
-from disks import damaged_disk, hostile_disk, huge_disk, large_disk, overlap_disk
+from disks import cut_disk, damaged_disk, hostile_disk, huge_disk, large_disk, overlap_disk, wiped_disk
 
 TOP = Path(__file__).resolve().parents[2]
 BUILD = TOP / "build/release"
@@ -43,6 +43,9 @@ def make_pages():
     subprocess.run([BUILD / "make_samples", WORK], check=True, capture_output=True)
     disks = [WORK / f"sample-{name}.img" for name in ("gpt", "mbr", "dynamic")]
     disks.append(damaged_disk(WORK / "damaged.img", WORK / "sample-gpt.img"))
+    disks.append(cut_disk(WORK / "cut.img", WORK / "sample-gpt.img"))
+    disks.append(wiped_disk(WORK / "wiped-headers.img", WORK / "sample-gpt.img", 1, 196607))
+    disks.append(wiped_disk(WORK / "wiped-table.img", WORK / "sample-mbr.img", 0))
     disks.append(hostile_disk(WORK / "hostile.img"))
     disks.append(overlap_disk(WORK / "overlap.img"))
     disks.append(large_disk(WORK / "large.img"))

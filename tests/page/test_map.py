@@ -142,6 +142,35 @@ class Map(unittest.TestCase):
         self.browser.open(self.pages["sample-mbr"].path)
         self.assertEqual(self.browser.run("return document.querySelectorAll('.overlap, .beyond').length"), 0)
 
+    def text_of(self, selector):
+        return self.browser.run("return document.querySelector(arguments[0])?.textContent", selector)
+
+    def test_of_a_cut_disk_the_page_says_what_is_lost(self):
+        self.browser.open(self.pages["cut"].path)
+        self.assertEqual(self.text_of("#bars .alarm-note"),
+                         "The disk ends at sector 98303, but what its tables state reaches to sector 196607. "
+                         "Across its end: NTFS (Microsoft basic data), sector 96256. "
+                         "Beyond it: exFAT (Microsoft basic data), sector 104448; Recovery (Windows recovery), sector 112640; "
+                         "LDM metadata, sector 114688; Storage Spaces, sector 118784; Storage Replica, sector 120832; "
+                         "Unlisted (Linux file system), sector 122880; and 1 more. An image of a disk may have been cut short.")
+        self.assertEqual(self.text_of(".verdict-pill"), "2 checks bad, 3 things missing")
+
+    def test_a_link_to_what_is_missing_says_what_a_check_expects_there(self):
+        self.browser.open(self.pages["wiped-headers"].path, "#sector-196607")
+        self.assertEqual(self.text_of("#place-note p"),
+                         "No structure stands in sector 196607. Nothing claims it. "
+                         "Missing: GPT backup header; found zeros, expected EFI PART.")
+        self.assertEqual(self.text_of(".verdict-pill"), "2 things missing")
+        mark = self.browser.driver.find_element("css selector", "#magnifier .item[data-sector='196607']")
+        self.assertEqual(mark.get_attribute("aria-label"), "Missing: GPT backup header, sector 196607, something is wrong")
+        self.browser.run("arguments[0].focus()", mark)
+        self.assertEqual(self.text_of("#readout"), "Missing: GPT backup header sector 196607")
+
+    def test_where_nothing_was_found_nothing_is_called_sound(self):
+        self.browser.open(self.pages["wiped-table"].path)
+        self.assertIsNone(self.text_of(".all-good"))
+        self.assertIn("Nothing could be checked: neither a table nor a volume was found.", self.text_of("#checks"))
+
     def test_neither_size_nor_number_of_structures_makes_it_slow(self):
         self.assertLess(self.pages["sample-gpt"].path.stat().st_size, 400 * 1024)
         page = self.pages["large"]
