@@ -39,8 +39,8 @@ std::string Remarks(const std::vector<std::string>& remarks) {
 
 // A table that scrolls by itself where the screen is too narrow. label: HTML.
 std::string ScrollingTable(const std::string& label, const std::string& head, const std::string& rows) {
-  return "<div class=\"scrolls\" tabindex=\"0\" role=\"region\" aria-label=\"" + label +
-         "\">\n<table class=\"parts\">\n" + head + "<tbody>\n" + rows + "</tbody></table>\n</div>\n";
+  return "<section class=\"scrolls\" tabindex=\"0\" aria-label=\"" + label +
+         "\">\n<table class=\"parts\">\n" + head + "<tbody>\n" + rows + "</tbody></table>\n</section>\n";
 }
 
 std::string PartitionRow(const DynamicPartition& partition, u32 sectorSize) {
