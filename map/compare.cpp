@@ -37,17 +37,18 @@ std::optional<Document> SavedDocument(SavedMap& file, std::string& complaint) {
   return file.Complaint().empty() ? std::move(document) : std::nullopt;
 }
 
-std::optional<Document> SurveyedDocument(const std::string& argument) {
+std::optional<Document> SurveyedDocument(const std::string& argument, std::string& complaint) {
   const auto map = SurveyDisk(argument.c_str());
   if (!map) return std::nullopt;
-  Document document = DocumentOf(*map, VisitStructures);
+  auto document = DocumentOf(*map, VisitStructures, complaint);
   CloseSurvey();
+  if (!document) complaint = SafeUtf8(argument) + " " + complaint;
   return document;
 }
 
 std::optional<Document> DocumentFrom(const std::string& argument, std::string& complaint) {
   bool pipe = false;
-  if (!IsFile(argument, pipe)) return SurveyedDocument(argument);
+  if (!IsFile(argument, pipe)) return SurveyedDocument(argument, complaint);
   const auto file = std::make_unique<SavedMap>(argument);
   std::optional<Document> document;
   if (LooksLikeDocument(file->Head())) {
@@ -57,7 +58,7 @@ std::optional<Document> DocumentFrom(const std::string& argument, std::string& c
   } else if (pipe) {
     complaint = "is a pipe that gives no saved map";
   } else {
-    return SurveyedDocument(argument);
+    return SurveyedDocument(argument, complaint);
   }
   if (!document) complaint = SafeUtf8(argument) + " " + complaint;
   return document;

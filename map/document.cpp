@@ -146,7 +146,8 @@ std::optional<Document> ParseDocument(std::istream& text, std::string& complaint
   return document;
 }
 
-Document DocumentOf(const DiskMap& map, const StructureVisitor& structures) {
+std::optional<Document> DocumentOf(const DiskMap& map, const StructureVisitor& structures,
+                                   std::string& complaint) {
   // One structure at a time: all of them as text are more than their items.
   DocumentItems items;
   const auto visit = [&](const std::function<void(const Structure&)>& /*visit*/) {
@@ -160,9 +161,8 @@ Document DocumentOf(const DiskMap& map, const StructureVisitor& structures) {
   };
   std::stringstream text;
   WriteMapAsJson(map, visit, [&](std::string_view piece) { text << piece; });
-  std::string complaint;
-  Document document = ParseDocument(text, complaint).value_or(Document());
-  document.structures = std::move(items);
+  std::optional<Document> document = ParseDocument(text, complaint);
+  if (document) document->structures = std::move(items);
   return document;
 }
 

@@ -74,8 +74,9 @@ struct Document {
 // on behind the file's name. Nothing in it is taken on trust: what is missing is empty.
 std::optional<Document> ParseDocument(std::istream& text, std::string& complaint);
 
-// The document of a map that has just been surveyed, as if it had been saved.
-Document DocumentOf(const DiskMap& map, const StructureVisitor& structures);
+// The document of a map that has just been surveyed, as if it had been saved and parsed.
+std::optional<Document> DocumentOf(const DiskMap& map, const StructureVisitor& structures,
+                                   std::string& complaint);
 
 }  // namespace trovisk
 

@@ -406,6 +406,17 @@ TEST(Documents, MoreValuesThanAMapEverHasAreRefused) {
   EXPECT_EQ(ComplaintAbout(many), "is too large: no map holds so many values");
 }
 
+// Nobody is told that two disks are equal because both were too much.
+TEST(Documents, ASurveyThatIsTooLargeIsRefusedAsASavedMapIs) {
+  DiskMap map;
+  map.storageSpaces.emplace().objects.resize(100000);
+  std::string complaint;
+  EXPECT_FALSE(DocumentOf(map, VisitorOf({}), complaint).has_value());
+  EXPECT_EQ(complaint, "is too large: no map holds so many values");
+  map.storageSpaces->objects.resize(100);
+  EXPECT_TRUE(DocumentOf(map, VisitorOf({}), complaint).has_value());
+}
+
 // Nothing of these is what it should be, and all of it is JSON.
 TEST(Documents, ValuesOfOtherKindsAreTexts) {
   std::string complaint;
