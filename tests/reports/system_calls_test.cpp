@@ -123,10 +123,8 @@ TEST(SystemCalls, WholeDiskRunDoesNotDependOnTheSizeOfTheDisk) {
     EXPECT_TRUE(
         trace.outcome.out.ends_with("         0\tMaster Boot Record\n        10\tSupplementary Boot Record\n"
                                     "        20\tSupplementary Boot Record\n"));
-    std::cout << size << " bytes: " << trace.calls.size() << " system calls\n";
-    std::vector<std::string> names;
-    for (const std::string& call : trace.calls)
-      names.push_back(call.substr(0, call.find('(')));
+    const std::vector<std::string> names = trace.Names();
+    std::cout << size << " bytes: " << names.size() << " system calls\n";
     if (first.empty()) first = names;
     EXPECT_EQ(names, first);
   }
@@ -139,7 +137,7 @@ TEST(SystemCalls, SingleSectorWithANegativeLastCostsNoMoreThanOneWithout) {
   const Trace plain = TraceProgram({path, "7"});
   const Trace unbounded = TraceProgram({path, "7", "-1"});
   EXPECT_EQ(unbounded.outcome.out, plain.outcome.out);
-  EXPECT_EQ(unbounded.calls.size(), plain.calls.size());
+  EXPECT_EQ(unbounded.Names(), plain.Names());
 }
 
 // Calls that fail: strace makes them. The sound run of sectors 5 and 6 ends in the reads of these two; from
@@ -154,7 +152,7 @@ TEST(FailingCalls, InterruptedReadsAndWritesAreRepeated) {
   for (const std::string& inject :
        {AtReadOfSector5(sound, "EINTR"), std::string("write:error=EINTR:when=2")}) {
     const Trace trace = TraceProgram({path, "5", "6"}, inject);
-    EXPECT_EQ(trace.calls.size(), sound.calls.size() + 1);
+    EXPECT_EQ(trace.Names().size(), sound.Names().size() + 1);
     EXPECT_EQ(trace.outcome.out, sound.outcome.out);
     EXPECT_EQ(trace.outcome.err, "");
     EXPECT_EQ(trace.outcome.status, 0);

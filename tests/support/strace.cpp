@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <set>
+#include <utility>
 
 namespace trovisk::test {
 
@@ -12,6 +14,16 @@ std::vector<std::string> Trace::Of(const std::string& start) const {
     if (call.starts_with(start)) found.push_back(call);
   }
   return found;
+}
+
+std::vector<std::string> Trace::Names() const {
+  const std::set<std::string> memory = {"brk", "madvise", "mmap", "mprotect", "mremap", "munmap"};
+  std::vector<std::string> names;
+  for (const std::string& call : calls) {
+    std::string name = call.substr(0, call.find('('));
+    if (!memory.contains(name)) names.push_back(std::move(name));
+  }
+  return names;
 }
 
 namespace {

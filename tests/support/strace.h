@@ -16,6 +16,10 @@ struct Trace {
 
   // The calls whose line begins so.
   std::vector<std::string> Of(const std::string& start) const;
+
+  // The names of all calls but those that only manage memory: how often a sanitizer's allocator makes these
+  // depends on the addresses that the kernel happens to give.
+  std::vector<std::string> Names() const;
 };
 
 // Runs the shipped program under strace. Fails the test where strace is missing or may not trace.
