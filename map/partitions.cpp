@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "map/signatures.h"
+#include "map/text_layout.h"
 #include "map/type_names.h"
 #include "map/volume_kind.h"
 
@@ -10,7 +11,7 @@ namespace trovisk {
 namespace {
 
 // A chain may be as long as it likes; somebody waits.
-constexpr u64 kMostRecords = u64{1} << 20;
+constexpr u64 kMostRecords = u64{1} << 20;  // of all extended partitions
 
 std::string HexByte(u8 value) {
   constexpr std::string_view kDigits = "0123456789abcdef";
@@ -54,10 +55,10 @@ struct Chained {
 
 void ReadExtended(PartitionTables& tables, const MbrPartition& outermost, Chained& chained) {
   const u64 before = chained.logical;
-  const SectorToc earlier = tables.extendedRecords;  // of other extended partitions
-  const auto isKnown = [&](u64 sector) { return earlier.At(sector).has_value(); };
+  const u64 left = kMostRecords - chained.records;
+  const auto isKnown = [&](u64 sector) { return tables.extendedRecords.At(sector).has_value(); };
   std::optional<ExtendedRecord> wrong;
-  const ChainEnd end = WalkExtended(outermost, kMostRecords, isKnown, [&](const ExtendedRecord& record) {
+  const ChainEnd end = WalkExtended(outermost, left, isKnown, [&](const ExtendedRecord& record) {
     tables.extendedRecords.Add(record.sector, record.sector, nullptr, L"");
     if (!record.endMark) wrong = record;
     if (++chained.records <= kMostLogical) {
@@ -76,7 +77,7 @@ void ReadExtended(PartitionTables& tables, const MbrPartition& outermost, Chaine
     AddOthers(tables, outermost, record);
   });
   Check check{outermost.first, "extended boot records lead to an end", Verdict::kGood,
-              std::to_string(chained.logical - before) + " logical partitions",
+              Counted(chained.logical - before, "logical partition"),
               "every record readable, with its end mark"};
   if (wrong) {
     check.sector = wrong->sector;
@@ -91,7 +92,7 @@ void ReadExtended(PartitionTables& tables, const MbrPartition& outermost, Chaine
     check.found = "its records are those of another extended partition";
   } else if (end == ChainEnd::kTooLong) {
     check.verdict = Verdict::kNotChecked;
-    check.found = "more than " + std::to_string(kMostRecords) + " records";
+    check.found = "more than " + std::to_string(kMostRecords) + " records of all extended partitions";
   }
   tables.checks.push_back(std::move(check));
 }
@@ -111,7 +112,8 @@ void MarkExtendedOverlaps(std::vector<Extent>& partitions) {
   for (Extent& one : partitions) {
     for (Extent& other : partitions) {
       const bool apart = one.last < other.first || other.last < one.first;
-      if (&one == &other || apart || !isExtended(one) || other.type == "0xee") continue;
+      const bool empty = ((one.flags | other.flags) & kFlagEmpty) != 0;
+      if (&one == &other || apart || empty || !isExtended(one) || other.type == "0xee") continue;
       one.flags |= kFlagOverlaps;
       other.flags |= kFlagOverlaps;
     }

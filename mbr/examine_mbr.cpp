@@ -133,6 +133,7 @@ ChainEnd WalkExtended(const MbrPartition& outermost, u64 mostRecords,
   SectorToc seen;
   u64 sector = outermost.first;
   for (u64 records = 0; records < mostRecords; ++records) {
+    if (seen.At(sector)) return ChainEnd::kCircle;
     if (isKnown(sector)) return ChainEnd::kStopped;
     seen.Add(sector, sector, nullptr, L"");
     const ExtendedRecord record = ReadExtendedRecord(sector);
@@ -140,7 +141,6 @@ ChainEnd WalkExtended(const MbrPartition& outermost, u64 mostRecords,
     if (!record.endMark) return ChainEnd::kBroken;
     if (!record.link) return ChainEnd::kRegular;
     sector = outermost.first + *record.link;
-    if (seen.At(sector)) return ChainEnd::kCircle;
   }
   return ChainEnd::kTooLong;
 }

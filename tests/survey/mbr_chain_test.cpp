@@ -184,6 +184,22 @@ TEST(MbrChain, TheLargestNumbersDoNotWrap) {
                                       "4294967295-8589934589 MBR entry 1 container beyond-end"}));
 }
 
+// An entry without sectors claims none, wherever it says that it begins.
+TEST(MbrChain, AnEmptyEntryOverlapsNothing) {
+  const auto surveyed = [](PartitionEntry extended, PartitionEntry other) {
+    Disk disk(6000);
+    PutBootRecord(disk, 0, {.entries = {extended, other}});
+    PutBootRecord(disk, extended.first, {});
+    return PartitionsOf(SurveyOf(disk));
+  };
+  EXPECT_EQ(surveyed({.type = 0x05, .first = 2100}, {.type = 0x83, .first = 2048, .count = 2000}),
+            (Lines{"2048-4047 MBR entry 2", "2100-2100 MBR entry 1 container empty"}));
+  EXPECT_EQ(surveyed({.type = 0x05, .first = 2048, .count = 2000}, {.type = 0x83, .first = 2200}),
+            (Lines{"2048-4047 MBR entry 1 container", "2200-2200 MBR entry 2 empty"}));
+  EXPECT_EQ(surveyed({.type = 0x05, .first = 2048, .count = 2000}, {.type = 0x83, .first = 2200, .count = 1}),
+            (Lines{"2048-4047 MBR entry 1 container overlaps", "2200-2200 MBR entry 2 overlaps"}));
+}
+
 // Links alone, each to the record before: nothing is shown of most of them, and that is said.
 TEST(MbrChain, ALongChainIsCut) {
   constexpr u64 kRecords = 20000;
