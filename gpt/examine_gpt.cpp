@@ -142,18 +142,20 @@ void CheckArray(GptCopy& copy, u64 lastOnDisk, std::vector<Check>& checks) {
 // Header, array and usable sectors lie where the copy has them, and do not run into each other.
 void CheckPlaces(const GptCopy& copy, u64 lastOnDisk, std::vector<Check>& checks) {
   const bool primary = copy.which == "primary";
-  const u64 arrayEnd = copy.entriesLba + copy.arraySectors;
+  const u64 sectors = ArraySectors(copy);  // also of an array that is not read
+  const u64 arrayEnd = copy.entriesLba + std::min(sectors, ~u64{0} - copy.entriesLba);
   const bool ordered = primary ? copy.entriesLba > copy.sector && arrayEnd <= copy.firstUsable
                                : copy.entriesLba > copy.lastUsable && arrayEnd <= copy.sector;
   const u64 last = primary ? std::min(copy.otherLba, lastOnDisk) : copy.sector;
   const bool usable = copy.firstUsable <= copy.lastUsable && copy.lastUsable < last;
   std::string found = "array ";
-  found.append(std::to_string(copy.entriesLba)).append(", ").append(std::to_string(copy.arraySectors));
+  found.append(std::to_string(copy.entriesLba)).append(", ").append(std::to_string(sectors));
   found.append(" sectors; usable ").append(std::to_string(copy.firstUsable)).append(" to ");
   found.append(std::to_string(copy.lastUsable));
-  checks.push_back({copy.sector, Named(copy, "usable sectors"),
-                    ordered && usable ? Verdict::kGood : Verdict::kBad, std::move(found),
-                    "header, array and usable sectors one beside the other"});
+  checks.push_back(
+      {copy.sector, Named(copy, "usable sectors"), ordered && usable ? Verdict::kGood : Verdict::kBad,
+       std::move(found),
+       "header, array and usable sectors one beside the other, before sector " + std::to_string(last)});
 }
 
 }  // namespace

@@ -130,6 +130,18 @@ TEST(GptCopies, TheBackupsFieldsAreCheckedToo) {
     EXPECT_EQ(VerdictOf(SurveyOf(WithBackup(lie.header)), lie.check), "bad") << lie.check;
 }
 
+// An array that is not read has its size all the same.
+TEST(GptCopies, PlacesAreSaidAsTheHeaderStatesThem) {
+  DiskMap map = SurveyOf(WithPrimary({.entriesLba = 4090}));
+  ASSERT_EQ(VerdictOf(map, "GPT primary usable sectors"), "bad");
+  EXPECT_EQ(CheckOf(map, "GPT primary usable sectors")->found, "array 4090, 32 sectors; usable 34 to 4062");
+  map = SurveyOf(WithPrimary({.lastUsable = 9000}));
+  ASSERT_EQ(VerdictOf(map, "GPT primary usable sectors"), "bad");
+  EXPECT_EQ(CheckOf(map, "GPT primary usable sectors")->found, "array 2, 32 sectors; usable 34 to 9000");
+  EXPECT_EQ(CheckOf(map, "GPT primary usable sectors")->expected,
+            "header, array and usable sectors one beside the other, before sector 4095");
+}
+
 TEST(GptCopies, AnUnreadableHeaderOrArrayIsMissing) {
   const std::pair<u64, std::string_view> places[] = {
       {1, "GPT primary header"},
