@@ -35,7 +35,7 @@ std::string PartitionLine(const DynamicPartition& partition, u64 columns, u32 se
   if (partition.onThisDisk)
     where += " (this disk, from sector " + std::to_string(partition.absoluteStart) + ")";
   else
-    where += " from its sector " + std::to_string(partition.start);
+    where += " from sector " + std::to_string(partition.start) + " of its data";
   const std::string column = columns > 1 ? "column " + std::to_string(partition.column) + ": " : "";
   const std::string offset =
       partition.volumeOffset == 0 ? "" : "at sector " + std::to_string(partition.volumeOffset) + " of it";

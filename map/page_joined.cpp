@@ -50,7 +50,8 @@ std::string PartitionRow(const DynamicPartition& partition, u32 sectorSize) {
          NameOf(partition.name, "object", partition.id) + "</th>" +
          HtmlCell(NameOf(partition.disk, "object", partition.diskId) +
                   std::string(partition.onThisDisk ? kThisDisk : "")) +
-         HtmlCell(reached ? HtmlPlace(partition.absoluteStart) : HtmlNumber(partition.start), "number") +
+         HtmlCell(reached ? HtmlPlace(partition.absoluteStart) : HtmlNumber(partition.start) + " of its data",
+                  "number") +
          HtmlCell(SizeOfSectors(partition.size, sectorSize), "number") +
          HtmlCell(HtmlNumber(partition.volumeOffset), "number") + "</tr>\n";
 }

@@ -412,7 +412,7 @@ TEST(TextMap, AVolumeOfADynamicDiskIsALineWithItsPartsBelow) {
   Volume1, striped, 2.0 MiB, ACTIVE, E:
     Volume1-01, striped, 2 columns, stripes of 64.0 KiB, active
       column 0: Disk1-01, 1.0 MiB, on Disk1 (this disk, from sector 63)
-      column 1: Disk2-01, 1.0 MiB, on Disk2 from its sector 10
+      column 1: Disk2-01, 1.0 MiB, on Disk2 from sector 10 of its data
   without a volume: Disk1-02, 512 B, on an unknown disk (this disk, from sector
     5000)
   A remark.
