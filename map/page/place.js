@@ -38,7 +38,7 @@ function sayWhatHolds(sector, around) {
   const claims = around.filter((extent) => extent.kind !== "gap" && !extent.flags.includes("container"));
   const chain = claims.map((extent, i) => [i ? " › " : "", extentLink(extent)]);
   const where = claims.length ? ["It lies in ", chain, "."] : "Nothing claims it.";
-  say("No structure stands in sector ", digits(sector), ". ", where, whatIsExpected(sector));
+  say("Nothing was decoded in sector ", digits(sector), ". ", where, whatIsExpected(sector));
 }
 
 function sayBeyond(sector, around) {

@@ -158,7 +158,7 @@ class Map(unittest.TestCase):
     def test_a_link_to_what_is_missing_says_what_a_check_expects_there(self):
         self.browser.open(self.pages["wiped-headers"].path, "#sector-196607")
         self.assertEqual(self.text_of("#place-note p"),
-                         "No structure stands in sector 196607. Nothing claims it. "
+                         "Nothing was decoded in sector 196607. Nothing claims it. "
                          "Missing: GPT backup header; found zeros, expected EFI PART.")
         self.assertEqual(self.text_of(".verdict-pill"), "2 things missing")
         mark = self.browser.driver.find_element("css selector", "#magnifier .item[data-sector='196607']")

@@ -167,7 +167,7 @@ class Sections(unittest.TestCase):
 
     def test_a_link_to_a_sector_without_a_structure_says_what_is_there(self):
         self.open_sector("sample-gpt", 100000)
-        self.assertEqual(self.note(), "No structure stands in sector 100000. It lies in NTFS (Microsoft basic data) › NTFS.")
+        self.assertEqual(self.note(), "Nothing was decoded in sector 100000. It lies in NTFS (Microsoft basic data) › NTFS.")
         self.assertEqual(self.browser.run("return document.getElementById('live').textContent"), self.note())
         self.assertTrue(self.in_sight("#place-note p"))
         self.assertTrue(self.in_sight("#readout"))
@@ -180,7 +180,7 @@ class Sections(unittest.TestCase):
         self.assertTrue(self.browser.wait("return document.getElementById('place-note').hidden"))
         self.assertEqual(self.browser.run("return document.querySelectorAll('#bars .place').length"), 0)
         self.open_sector("sample-gpt", 40)
-        self.assertEqual(self.note(), "No structure stands in sector 40. Nothing claims it.")
+        self.assertEqual(self.note(), "Nothing was decoded in sector 40. Nothing claims it.")
 
     def test_a_link_to_no_place_says_so(self):
         for place, said in (

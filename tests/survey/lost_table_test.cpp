@@ -104,7 +104,6 @@ TEST(LostTable, AVolumeWithoutATableIsNamedByItsSignature) {
   EXPECT_EQ(VerdictInWords(map), "Nothing wrong was found.");
 }
 
-// What boot code has in the place of a table. An unused entry has no indicator.
 // What a volume's backup alone says is said to be from there.
 TEST(LostTable, AVolumeThatOnlyItsBackupTellsSaysSo) {
   Disk disk = OnePartition(kBasicDataType);
@@ -112,6 +111,7 @@ TEST(LostTable, AVolumeThatOnlyItsBackupTellsSaysSo) {
   EXPECT_EQ(ExtentsOf(SurveyOf(disk), ExtentKind::kVolume), Lines{"100-199 NTFS backup boot sector"});
 }
 
+// What boot code has in the place of a table. An unused entry has no indicator.
 TEST(LostTable, AWrongBootIndicatorIsSaid) {
   Disk disk;
   PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 63, .count = 1000}, {.bootIndicator = 1}}});
