@@ -106,7 +106,7 @@ std::vector<ExtentRow> RowsOfExtents(const DiskMap& map, const TextStyle& style)
   }
   if (leftOut != 0) {
     ExtentRow row;
-    row.cells[kKind] = "...";
+    row.cells[kKind] = std::string("...");
     row.cells[kType] = std::to_string(leftOut) + " more";
     row.cells[kName] = "--all shows them";
     rows.push_back(std::move(row));
