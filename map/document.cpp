@@ -14,6 +14,15 @@
 namespace trovisk {
 namespace {
 
+constexpr u64 kMostBytes = u64{24} << 20;  // of one document; two are compared
+
+// Whether there is room for more of them.
+bool Keep(Document& document, DocumentItems& items, DocumentItem item) {
+  document.bytes += sizeof item + item.values.Bytes() + item.contents.size();
+  items.push_back(std::move(item));
+  return document.bytes <= kMostBytes;
+}
+
 // A word of the document as text; a list's joined.
 std::string TextOf(const DocumentJson& value) {
   if (value.is_null()) return {};
@@ -46,17 +55,17 @@ DocumentItem ItemOf(const DocumentJson& object, std::span<const std::string_view
   return item;
 }
 
-void AddExtent(Document& document, const DocumentJson& object) {
+bool AddExtent(Document& document, const DocumentJson& object) {
   DocumentItem item = ItemOf(object, kExtentLabels);
-  if (item.values[kExtentKind] == "gap") return;
+  if (item.values[kExtentKind] == "gap") return true;
   const auto first = NumberIn(item.values[kExtentFirst]);
   const auto last = NumberIn(item.values[kExtentLast]);
   const bool sized = first && last && *first <= *last && *last - *first != ~u64{0};
   item.values.Add(sized ? std::to_string(*last - *first + 1) : std::string());
-  document.extents.push_back(std::move(item));
+  return Keep(document, document.extents, std::move(item));
 }
 
-void AddStructure(Document& document, const DocumentJson& object) {
+bool AddStructure(Document& document, const DocumentJson& object) {
   DocumentItem item = ItemOf(object, kStructureLabels);
   ItemContents contents{.bytes = FromBase64(MemberText(object, "bytes"))};
   const auto sum = crc32(0, contents.bytes.data(), static_cast<uInt>(contents.bytes.size()));
@@ -70,7 +79,7 @@ void AddStructure(Document& document, const DocumentJson& object) {
     }
   }
   item.contents = Pack(contents);
-  document.structures.push_back(std::move(item));
+  return Keep(document, document.structures, std::move(item));
 }
 
 // Objects in lists are called by their names where they have one, so that one more in front of them makes no
@@ -82,20 +91,22 @@ std::string NameOf(const DocumentJson& object, std::size_t index) {
   return std::string("#").append(std::to_string(index + 1));
 }
 
-// An item for the object and for each that it holds.
-void AddObject(DocumentItems& items, const DocumentJson& object, const std::string& path) {
+// An item for the object and for each that it holds, as long as there is room: the name of what holds others
+// is in the way to each of them.
+void AddObject(Document& document, const DocumentJson& object, const std::string& path) {
+  DocumentItems& items = document.others;
   const std::size_t place = items.size();
-  items.push_back({{path}});
+  if (!Keep(document, items, {{path}})) return;
   ItemContents contents;
   for (const auto& [key, value] : object.items()) {
     if (value.is_object()) {
       std::string way = path;
-      AddObject(items, value, way.append(".").append(key));
+      AddObject(document, value, way.append(".").append(key));
     } else if (value.is_array() && !value.empty() && value.front().is_object()) {
-      for (std::size_t i = 0; i < value.size(); ++i) {
+      for (std::size_t i = 0; i < value.size() && document.bytes <= kMostBytes; ++i) {
         if (!value[i].is_object()) continue;
         std::string way = path;
-        AddObject(items, value[i],
+        AddObject(document, value[i],
                   way.append(".").append(key).append("[").append(NameOf(value[i], i)).append("]"));
       }
     } else if (value.is_array()) {
@@ -106,23 +117,24 @@ void AddObject(DocumentItems& items, const DocumentJson& object, const std::stri
     }
   }
   items[place].contents = Pack(contents);
+  document.bytes += items[place].contents.size();
 }
 
 void AddOthers(Document& document, DocumentJson& root) {
   if (const auto disk = root.find("disk"); disk != root.end() && disk->is_object()) {
     disk->erase("path");  // two disks are never at the same place
-    AddObject(document.others, *disk, "disk");
+    AddObject(document, *disk, "disk");
   }
   for (const std::string key : {"dynamic_disk", "storage_spaces"}) {
     if (const auto part = root.find(key); part != root.end() && part->is_object())
-      AddObject(document.others, *part, key);
+      AddObject(document, *part, key);
   }
   ItemContents cut;
   if (const auto sentences = root.find("cut"); sentences != root.end() && sentences->is_array()) {
     for (const DocumentJson& sentence : *sentences)
       cut.fields.push_back({"cut", TextOf(sentence)});
   }
-  document.others.push_back({{"cut"}, Pack(cut)});
+  Keep(document, document.others, {{"cut"}, Pack(cut)});
 }
 
 }  // namespace
@@ -131,9 +143,10 @@ std::optional<Document> ParseDocument(std::istream& text, std::string& complaint
   Document document;
   DocumentJson root;
   const auto take = [&](const std::string& list, const DocumentJson& item) {
-    if (list == "extents") AddExtent(document, item);
-    if (list == "structures") AddStructure(document, item);
-    if (list == "checks") document.checks.push_back(ItemOf(item, kCheckLabels));
+    if (list == "extents") return AddExtent(document, item);
+    if (list == "structures") return AddStructure(document, item);
+    if (list == "checks") return Keep(document, document.checks, ItemOf(item, kCheckLabels));
+    return true;
   };
   complaint = ReadDocument(text, take, root);
   if (!complaint.empty()) return std::nullopt;
@@ -143,27 +156,32 @@ std::optional<Document> ParseDocument(std::istream& text, std::string& complaint
     return std::nullopt;
   }
   AddOthers(document, root);
-  return document;
+  if (document.bytes <= kMostBytes) return document;
+  complaint = kTooMuch;
+  return std::nullopt;
 }
 
 std::optional<Document> DocumentOf(const DiskMap& map, const StructureVisitor& structures,
                                    std::string& complaint) {
   // One structure at a time: all of them as text are more than their items.
-  DocumentItems items;
+  Document shown;
   const auto visit = [&](const std::function<void(const Structure&)>& /*visit*/) {
     return structures([&](const Structure& structure) {
+      if (shown.bytes > kMostBytes) return;
       Structure shortened = structure;
       shortened.text.clear();
-      Document alone;
-      AddStructure(alone, DocumentJson::parse(StructureAsText(shortened)));
-      items.push_back(std::move(alone.structures.front()));
+      AddStructure(shown, DocumentJson::parse(StructureAsText(shortened)));
     });
   };
   std::stringstream text;
   WriteMapAsJson(map, visit, [&](std::string_view piece) { text << piece; });
   std::optional<Document> document = ParseDocument(text, complaint);
-  if (document) document->structures = std::move(items);
-  return document;
+  if (!document) return document;
+  document->bytes += shown.bytes;
+  document->structures = std::move(shown.structures);
+  if (document->bytes <= kMostBytes) return document;
+  complaint = kTooMuch;
+  return std::nullopt;
 }
 
 }  // namespace trovisk

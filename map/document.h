@@ -62,6 +62,7 @@ inline constexpr std::array<std::string_view, 5> kCheckLabels = {"sector", "chec
 
 // The gaps are left out: they are what the other extents leave.
 struct Document {
+  u64 bytes = 0;  // that the items take: at most 24 MiB
   DocumentItems extents;
   DocumentItems structures;
   DocumentItems checks;
@@ -70,7 +71,7 @@ struct Document {
   DocumentItems others;
 };
 
-// None where the text is no document, or more than a map ever is; then complaint says why, in words that go
+// None where the text is no document, or its items take too much; then complaint says why, in words that go
 // on behind the file's name. Nothing in it is taken on trust: what is missing is empty.
 std::optional<Document> ParseDocument(std::istream& text, std::string& complaint);
 

@@ -12,12 +12,13 @@ constexpr std::size_t kDeepest = 16;           // twice what a map needs
 constexpr u64 kMostValues = u64{1} << 23;      // of the whole document
 constexpr u64 kMostItems = u64{1} << 17;       // of its lists
 constexpr u64 kMostKept = u64{1} << 18;        // values at the same time
+constexpr u64 kMostKeptBytes = u64{1} << 23;   // of their texts and names
 constexpr std::string_view kTextKey = "text";  // of structures
 
 // What the parser calls, value by value. Each function gives whether it should go on.
 class Reader {
  public:
-  using Take = std::function<void(const std::string& list, const DocumentJson& item)>;
+  using Take = std::function<bool(const std::string& list, const DocumentJson& item)>;
 
   Reader(const std::istream& text, const Take& take, DocumentJson& root)
       : text_(text), take_(take), root_(root) {}
@@ -32,7 +33,9 @@ class Reader {
   bool number_float(DocumentJson::number_float_t value, const std::string& /*digits*/) { return Add(value); }
   bool string(std::string& value) {
     const bool needless = open_.size() == 3 && key_ == kTextKey;
-    return Add(needless ? std::string() : std::move(value));
+    if (needless) value.clear();
+    keptBytes_ += value.size();
+    return Add(std::move(value));
   }
   bool binary(DocumentJson::binary_t& /*value*/) { return false; }
   bool start_object(std::size_t /*size*/) { return Open(DocumentJson::object()); }
@@ -41,6 +44,7 @@ class Reader {
   bool end_array() { return Close(); }
   bool key(std::string& value) {
     key_ = std::move(value);
+    keptBytes_ += key_.size();
     if (open_.size() == 1) list_ = key_;
     return true;
   }
@@ -59,7 +63,10 @@ class Reader {
       complaint_ = "is too large: no map holds so many values";
       return nullptr;
     }
-    if (open_.size() == 2) keptBeforeItem_ = kept_ - 1;
+    if (keptBytes_ > kMostKeptBytes) {
+      complaint_ = kTooMuch;
+      return nullptr;
+    }
     DocumentJson* place = &root_;
     if (!open_.empty()) {
       DocumentJson& around = *open_.back();
@@ -71,6 +78,10 @@ class Reader {
   }
   bool Add(DocumentJson value) { return Put(std::move(value)) != nullptr; }
   bool Open(DocumentJson value) {
+    if (open_.size() == 2) {
+      keptBeforeItem_ = kept_;
+      keptBytesBeforeItem_ = keptBytes_;
+    }
     if (open_.size() == kDeepest) {
       complaint_ = "is no map: its values are nested too deeply";
       return false;
@@ -83,10 +94,13 @@ class Reader {
     const DocumentJson& closed = *open_.back();
     open_.pop_back();
     if (open_.size() == 2 && open_[1]->is_array() && closed.is_object()) {
-      take_(list_, closed);
+      const bool room = take_(list_, closed);
+      if (!room) complaint_ = kTooMuch;
       open_[1]->erase(open_[1]->size() - 1);
       kept_ = keptBeforeItem_;
+      keptBytes_ = keptBytesBeforeItem_;
       ++items_;
+      return room;
     }
     return true;
   }
@@ -99,15 +113,17 @@ class Reader {
   std::string list_;                 // the root's member
   u64 values_ = 0;
   u64 items_ = 0;
-  u64 kept_ = 0;            // values that are in memory now
+  u64 kept_ = 0;  // values that are in memory now
+  u64 keptBytes_ = 0;
   u64 keptBeforeItem_ = 0;  // those of them that do not belong to the item that is read
+  u64 keptBytesBeforeItem_ = 0;
   std::string complaint_;
 };
 
 }  // namespace
 
 std::string ReadDocument(std::istream& text,
-                         const std::function<void(const std::string& list, const DocumentJson& item)>& take,
+                         const std::function<bool(const std::string& list, const DocumentJson& item)>& take,
                          DocumentJson& root) {
   Reader reader(text, take, root);
   if (DocumentJson::sax_parse(text, &reader)) return {};

@@ -7,15 +7,15 @@
 namespace trovisk {
 namespace {
 
-void AppendNumber(std::string& text, u64 number) {
-  char bytes[sizeof number];
-  std::memcpy(bytes, &number, sizeof number);
-  text.append(bytes, sizeof bytes);
+void AppendNumber(std::vector<u8>& bytes, u64 number) {
+  const std::size_t place = bytes.size();
+  bytes.resize(place + sizeof number);
+  std::memcpy(bytes.data() + place, &number, sizeof number);
 }
 
-void AppendText(std::string& text, std::string_view piece) {
-  AppendNumber(text, piece.size());
-  text.append(piece);
+void AppendText(std::vector<u8>& bytes, std::string_view text) {
+  AppendNumber(bytes, text.size());
+  bytes.insert(bytes.end(), text.begin(), text.end());
 }
 
 // Only what was packed here is taken out again, so that nothing is missing.
@@ -37,7 +37,7 @@ std::string_view TakeText(std::string_view& text) {
 
 std::string Pack(const ItemContents& contents) {
   if (contents.fields.empty() && contents.bytes.empty()) return {};
-  std::string plain;
+  std::vector<u8> plain;
   AppendNumber(plain, contents.fields.size());
   for (const DocumentField& field : contents.fields) {
     AppendText(plain, field.label);
@@ -46,19 +46,16 @@ std::string Pack(const ItemContents& contents) {
     AppendNumber(plain, field.offset.value_or(0));
     AppendNumber(plain, field.length);
   }
-  plain.append(contents.bytes.begin(), contents.bytes.end());
+  plain.insert(plain.end(), contents.bytes.begin(), contents.bytes.end());
 
-  uLongf size = compressBound(static_cast<uLong>(plain.size()));
-  std::vector<u8> compressed(size);
-  const std::vector<u8> input(plain.begin(), plain.end());
-  if (compress2(compressed.data(), &size, input.data(), static_cast<uLong>(input.size()), Z_BEST_SPEED) !=
-      Z_OK)
-    throw std::bad_alloc();
-  std::string packed;
+  std::vector<u8> packed;
   AppendNumber(packed, plain.size());
-  packed.append(compressed.begin(), compressed.begin() + static_cast<std::ptrdiff_t>(size));
-  packed.shrink_to_fit();
-  return packed;
+  uLongf size = compressBound(static_cast<uLong>(plain.size()));
+  packed.resize(sizeof(u64) + size);
+  if (compress2(packed.data() + sizeof(u64), &size, plain.data(), static_cast<uLong>(plain.size()),
+                Z_BEST_SPEED) != Z_OK)
+    throw std::bad_alloc();
+  return {packed.begin(), packed.begin() + static_cast<std::ptrdiff_t>(sizeof(u64) + size)};
 }
 
 ItemContents Unpack(std::string_view packed) {

@@ -29,6 +29,7 @@ class ItemValues {
   }
 
   std::size_t Count() const { return count_; }
+  std::size_t Bytes() const { return text_.size(); }  // that they take
 
   // Empty where there is none.
   std::string_view operator[](std::size_t index) const {

@@ -10,8 +10,8 @@ namespace trovisk {
 namespace {
 
 constexpr std::size_t kHead = 4096;
-constexpr u64 kLargest = u64{1} << 28;      // bytes; no map is larger
-constexpr u64 kLongestText = u64{1} << 20;  // bytes
+constexpr u64 kLargest = u64{1} << 34;  // bytes: 16,384 structures in sectors of 64 KiB, and what is shown
+constexpr u64 kLongestText = u64{1} << 23;  // bytes: more than the listing of a sector of 1 MiB
 
 bool IsSpace(char character) {
   return character == ' ' || character == '\t' || character == '\r' || character == '\n';
@@ -58,7 +58,7 @@ bool SavedMap::Watch(std::string_view piece) {
     escaped_ = inText_ != 0 && character == '\\' && !escaped_;
     if (quote) {
       inText_ = inText_ == 0 ? 1 : 0;
-    } else if (inText_ != 0 && ++inText_ > kLongestText) {
+    } else if (inText_ != 0 && ++inText_ > kLongestText + 1) {
       complaint_ = "is no map: a text in it is longer than " + std::to_string(kLongestText) + " bytes";
       return false;
     }

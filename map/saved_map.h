@@ -36,7 +36,7 @@ class SavedMap : public std::streambuf {
   std::array<char, 65536> buffer_{};
   std::size_t head_ = 0;
   u64 size_ = 0;          // bytes so far
-  u64 inText_ = 0;        // bytes since a string has begun; 0: in none
+  u64 inText_ = 0;        // 1 and the bytes since a string has begun; 0: in none
   bool escaped_ = false;  // the next character of the string
   std::string complaint_;
 };

@@ -406,6 +406,36 @@ TEST(Documents, MoreValuesThanAMapEverHasAreRefused) {
   EXPECT_EQ(ComplaintAbout(many), "is too large: no map holds so many values");
 }
 
+// The bytes are bounded beside the number of values: of what is kept, of one item, of all items, and of names
+// that stand in the way to each object below them.
+TEST(Documents, MoreBytesThanCanBeComparedAreRefused) {
+  const auto sentences = [](int count) {
+    std::string text = R"({"schema": "trovisk-map/1", "cut": [")";
+    for (int i = 0; i < count; ++i)
+      text.append(1000000, 'x').append(R"(", ")");
+    return text + R"("]})";
+  };
+  std::string complaint;
+  EXPECT_TRUE(Parsed(sentences(8), complaint).has_value()) << complaint;
+  EXPECT_EQ(ComplaintAbout(sentences(9)), "is too large to be compared");
+
+  std::string names = R"({"disk": {)";
+  for (int i = 0; i < 9; ++i)
+    names.append("\"").append(std::to_string(i)).append(1000000, 'x').append("\": 1,");
+  EXPECT_EQ(ComplaintAbout(names), "is too large to be compared");
+
+  std::string items = R"({"schema": "trovisk-map/1", "checks": [)";
+  for (int i = 0; i < 30; ++i)
+    items.append(R"({"found": ")").append(1000000, 'x').append("\"},");
+  EXPECT_EQ(ComplaintAbout(items), "is too large to be compared");
+
+  std::string tree = R"({"schema": "trovisk-map/1", "dynamic_disk": {"volumes": [{"name": ")";
+  tree.append(4000000, 'x').append(R"(", "components": [{})");
+  for (int i = 0; i < 10000; ++i)
+    tree += ",{}";
+  EXPECT_EQ(ComplaintAbout(tree + "]}]}}"), "is too large to be compared");
+}
+
 // Nobody is told that two disks are equal because both were too much.
 TEST(Documents, ASurveyThatIsTooLargeIsRefusedAsASavedMapIs) {
   DiskMap map;
@@ -534,12 +564,12 @@ TEST_F(CompareFiles, DamagedOneIsNamed) {
 
 TEST_F(CompareFiles, TextLongerThanAnyOfAMapIsRefused) {
   const std::string good = Saved("good", Written({}));
-  const std::string bad = Saved("bad", "{\"a\": \"" + std::string(u64{3} << 20, 'x') + "\"}");
+  const std::string bad = Saved("bad", "{\"a\": \"" + std::string((u64{1} << 23) + 1, 'x') + "\"}");
   EXPECT_EQ(Compare(good, bad), 3);
-  EXPECT_EQ(complaint_, bad + " is no map: a text in it is longer than 1048576 bytes");
-  const std::string escaped = Saved("escaped", "{\"a\": \"" + std::string(u64{3} << 20, '\\') + "\"}");
+  EXPECT_EQ(complaint_, bad + " is no map: a text in it is longer than 8388608 bytes");
+  const std::string escaped = Saved("escaped", "{\"a\": \"" + std::string(u64{10} << 20, '\\') + "\"}");
   EXPECT_EQ(Compare(escaped, good), 3);
-  EXPECT_EQ(complaint_, escaped + " is no map: a text in it is longer than 1048576 bytes");
+  EXPECT_EQ(complaint_, escaped + " is no map: a text in it is longer than 8388608 bytes");
 }
 
 TEST_F(CompareFiles, MapInUtf16SaysWhatToDo) {
