@@ -108,8 +108,10 @@ int Perform(const MapOptions& options) {
 int RunMap(int argc, char** argv) {
   report.Start();
   errors.Start();
-  int status = 1;
-  const auto options = TakeOptions(ArgumentsInUtf8(argc, argv), status);
+  std::vector<std::string> arguments = ArgumentsInUtf8(argc, argv);
+  int status = AsksForComparison(arguments) ? kMapsNotCompared : 1;
+  report.FailWith(status);
+  const auto options = TakeOptions(std::move(arguments), status);
   if (options) status = Perform(*options);
   report.Flush();
   return status;

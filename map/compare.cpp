@@ -72,7 +72,10 @@ int CompareMaps(const std::string& before, const std::string& after,
   if (!first) return kMapsNotCompared;
   const auto second = DocumentFrom(after, complaint);
   if (!second) return kMapsNotCompared;
-  return WriteDifferences(*first, *second, write) == 0 ? kMapsEqual : kMapsDiffer;
+  if (WriteDifferences(*first, *second, write) != 0) return kMapsDiffer;
+  if (first->cut.empty()) return kMapsEqual;
+  complaint = "no difference was found, but both maps leave something out: " + SafeUtf8(first->cut);
+  return kMapsNotCompared;
 }
 
 }  // namespace trovisk

@@ -11,7 +11,7 @@ namespace trovisk {
 
 inline constexpr int kMapsEqual = 0;
 inline constexpr int kMapsDiffer = 1;
-inline constexpr int kMapsNotCompared = 3;  // one of the two is no disk and no map
+inline constexpr int kMapsNotCompared = 3;  // something failed, or the maps leave out what was not compared
 
 // Each argument is a disk, which is surveyed, or a file or pipe with the map of one as JSON, told by its
 // first bytes; in UTF-8. Hands over one line for each difference and gives the exit status. Where the maps

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "frame/decoders.h"
+#include "frame/examine_volume.h"
 #include "frame/global.h"
 #include "frame/report/names.h"
 #include "map/signatures.h"
@@ -20,22 +21,32 @@ constexpr std::string_view kReplica = "558d43c5-a1ac-43c0-aac8-d1472b2923d1";
 constexpr std::string_view kMicrosoftReserved = "e3c9e316-0b5c-4db8-817d-f92df00215ae";
 constexpr std::string_view kBiosBoot = "21686148-6449-6e6f-744e-656564454649";
 constexpr std::string_view kMbrDynamic = "0x42";
+constexpr std::string_view kMbrUntyped = "0x00";
 
 // Contents of further partitions are not looked at: each costs a handful of reads and some memory.
 constexpr std::size_t kMostVolumes = 4096;
+
+// Volumes, and their areas with them.
+constexpr std::size_t kMostContents = 8192;
 
 struct Sources {
   std::string volume;
   std::string area;
 };
 
-void AddAreas(std::vector<Extent>& extents, const std::vector<Area>& areas, const std::string& source) {
+void AddAreas(DiskMap& map, const std::vector<Area>& areas, const std::string& source) {
   for (const Area& area : areas) {
-    extents.push_back({.first = area.first,
-                       .last = std::max(area.first, area.last),
-                       .kind = ExtentKind::kArea,
-                       .typeName = area.name,
-                       .source = source});
+    if (map.extents.size() >= kMostContents) {
+      const std::string cut =
+          "Of what volumes consist of the first " + std::to_string(kMostContents) + " are shown.";
+      if (map.cut.empty() || map.cut.back() != cut) map.cut.push_back(cut);
+      return;
+    }
+    map.extents.push_back({.first = area.first,
+                           .last = std::max(area.first, area.last),
+                           .kind = ExtentKind::kArea,
+                           .typeName = area.name,
+                           .source = source});
   }
 }
 
@@ -54,11 +65,14 @@ void AddVolume(DiskMap& map, const VolumePlace& place, VolumeFindings findings, 
                          .typeName = findings.type,
                          .name = std::move(findings.label),
                          .source = source});
-  AddAreas(map.extents, findings.areas, source);
+  AddAreas(map, findings.areas, source);
   std::move(findings.checks.begin(), findings.checks.end(), std::back_inserter(map.checks));
 }
 
 void AddForeign(DiskMap& map, const VolumePlace& place, ForeignContent content) {
+  if (content.sectors != 0)
+    map.checks.push_back(
+        CheckVolumeSize(content.sector, content.type + " total sectors", content.sectors, SectorsAt(place)));
   map.extents.push_back({.first = place.sector,
                          .last = LastOf(place, content.sectors),
                          .kind = ExtentKind::kVolume,
@@ -89,8 +103,8 @@ bool ReadVolume(DiskMap& map, const VolumePlace& place) {
 
 // Whether the type says that a volume begins there.
 bool PromisesVolume(const Extent& partition) {
-  return partition.typeName != "unknown" && partition.type != kMicrosoftReserved &&
-         partition.type != kBiosBoot;
+  return partition.typeName != "unknown" && partition.type != kMbrUntyped &&
+         partition.type != kMicrosoftReserved && partition.type != kBiosBoot;
 }
 
 // It may be a former volume, one that nobody has formatted yet, or one of a kind that the map does not know.
@@ -117,7 +131,7 @@ void ReadDynamicDisk(DiskMap& map, u64 privhead, u64 lastOnDisk) {
     if (area.first != privhead && area.name.starts_with("PRIVHEAD"))
       AddTocEntry(disk, area.first, DecodePrivhead, L"Alternate PRIVHEAD Sector");
   }
-  AddAreas(map.extents, dynamic.areas, "LDM database");
+  AddAreas(map, dynamic.areas, "LDM database");
   if (dynamic.databaseSize != 0 && dynamic.databaseSize - 1 <= ~u64{0} - dynamic.databaseStart) {
     map.extents.push_back({.first = dynamic.databaseStart,
                            .last = dynamic.databaseStart + dynamic.databaseSize - 1,
@@ -196,7 +210,7 @@ void ReadContents(DiskMap& map, PartitionTables& tables, u64 lastOnDisk) {
     ReadVolume(map, {.sector = 0, .sectors = map.disk.sectors, .lastOnDisk = lastOnDisk});
   } else if (tables.mbr.OfType(kTypeDynamicDisk) != nullptr) {
     ReadDynamicDisk(map, kPrivheadOfMbr, lastOnDisk);
-  } else if (tables.mbr.blank && !tables.gptInUse && IsPrivhead(kPrivheadOfMbr)) {
+  } else if (tables.mbr.blank && !tables.gptInUse && (IsPrivhead(kPrivheadOfMbr) || IsPrivhead(lastOnDisk))) {
     tables.checks.push_back({0, "entry of type 0x42", Verdict::kMissing, "zeros: no partition table",
                              "a dynamic disk, whose header stands in sector 6"});
     ReadDynamicDisk(map, kPrivheadOfMbr, lastOnDisk);
@@ -214,10 +228,10 @@ void ReadContents(DiskMap& map, PartitionTables& tables, u64 lastOnDisk) {
         .sector = partition.first, .sectors = partition.last - partition.first + 1, .lastOnDisk = lastOnDisk};
     if (partition.type == kSpaces && !map.storageSpaces) {
       map.storageSpaces = ExamineStorageSpaces(place, map.checks);
-      if (map.storageSpaces) AddAreas(map.extents, map.storageSpaces->areas, "Storage Spaces");
+      if (map.storageSpaces) AddAreas(map, map.storageSpaces->areas, "Storage Spaces");
     } else if (partition.type == kReplica) {
       VolumeFindings findings = ExamineStorageReplica(place);
-      AddAreas(map.extents, findings.areas, "Storage Replica");
+      AddAreas(map, findings.areas, "Storage Replica");
       std::move(findings.checks.begin(), findings.checks.end(), std::back_inserter(map.checks));
     } else if (!ReadVolume(map, place) && PromisesVolume(partition)) {
       SayUnrecognised(map, partition);

@@ -134,6 +134,7 @@ void AddOthers(Document& document, DocumentJson& root) {
     for (const DocumentJson& sentence : *sentences)
       cut.fields.push_back({"cut", TextOf(sentence)});
   }
+  if (!cut.fields.empty()) document.cut = cut.fields.front().value;
   Keep(document, document.others, {{"cut"}, Pack(cut)});
 }
 

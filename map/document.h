@@ -62,7 +62,8 @@ inline constexpr std::array<std::string_view, 5> kCheckLabels = {"sector", "chec
 
 // The gaps are left out: they are what the other extents leave.
 struct Document {
-  u64 bytes = 0;  // that the items take: at most 24 MiB
+  std::string cut;  // the first sentence on what the map leaves out; empty: nothing
+  u64 bytes = 0;    // that the items take: at most 24 MiB
   DocumentItems extents;
   DocumentItems structures;
   DocumentItems checks;

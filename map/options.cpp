@@ -48,7 +48,7 @@ Exit status:
   0  nothing wrong was found; with --compare: both are the same
   2  something on the disk is bad or missing
   1  the map could not be made; with --compare: they differ
-  3  with --compare: one of both is neither a disk nor a map
+  3  with --compare: they could not be compared
 )";
 
 constexpr std::string_view kTryHelp = "\"trovisk-map --help\" says how it is called.\n";
@@ -115,11 +115,16 @@ MapOptions Understood(const Given& given) {
 
 }  // namespace
 
+bool AsksForComparison(const std::vector<std::string>& arguments) {
+  return std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
+    return argument == "--compare" || argument.starts_with("--compare=");
+  });
+}
+
 std::optional<MapOptions> TakeOptions(std::vector<std::string> arguments, int& status) {
   CLI::App app;
   Given given;
   Declare(app, given);
-  status = 1;
   try {
     std::reverse(arguments.begin(), arguments.end());  // as it wants them
     app.parse(std::move(arguments));

@@ -25,8 +25,11 @@ struct MapOptions {
   bool all = false;
 };
 
+// Whether the arguments ask for a comparison, well or not: whatever ends that has a status of its own.
+bool AsksForComparison(const std::vector<std::string>& arguments);
+
 // Takes the arguments behind the program's name. None where the program is to end, with status: after an
-// answer on standard output (0), or a complaint on standard error (1).
+// answer on standard output (0), or a complaint on standard error (as it is).
 std::optional<MapOptions> TakeOptions(std::vector<std::string> arguments, int& status);
 
 }  // namespace trovisk

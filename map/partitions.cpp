@@ -53,14 +53,37 @@ struct Chained {
   u64 logical = 0;  // whose numbers go on from one to the next
 };
 
+std::string Range(u64 first, u64 last) {
+  return std::to_string(first) + " to " + std::to_string(last);
+}
+
+struct Outside {
+  u64 sector = 0;  // of the record that says so
+  u64 first = 0;
+  u64 last = 0;
+};
+
+// The record itself or its logical partition, where that does not lie in the extended partition.
+std::optional<Outside> LeadsOut(const ExtendedRecord& record, const MbrPartition& outermost) {
+  const u64 last = outermost.first + outermost.count - 1;
+  if (record.sector > last) return Outside{record.sector, record.sector, record.sector};
+  if (!record.logical) return std::nullopt;
+  const MbrPartition& logical = *record.logical;
+  const u64 end = logical.first + logical.count;
+  if (logical.first >= outermost.first && end - 1 <= last) return std::nullopt;
+  return Outside{record.sector, logical.first, end - 1};
+}
+
 void ReadExtended(PartitionTables& tables, const MbrPartition& outermost, Chained& chained) {
   const u64 before = chained.logical;
   const u64 left = kMostRecords - chained.records;
   const auto isKnown = [&](u64 sector) { return tables.extendedRecords.At(sector).has_value(); };
   std::optional<ExtendedRecord> wrong;
+  std::optional<Outside> outside;
   const ChainEnd end = WalkExtended(outermost, left, isKnown, [&](const ExtendedRecord& record) {
     tables.extendedRecords.Add(record.sector, record.sector, nullptr, L"");
     if (!record.endMark) wrong = record;
+    if (!outside) outside = LeadsOut(record, outermost);
     if (++chained.records <= kMostLogical) {
       tables.structures.push_back({.first = record.sector,
                                    .last = record.sector,
@@ -95,6 +118,11 @@ void ReadExtended(PartitionTables& tables, const MbrPartition& outermost, Chaine
     check.found = "more than " + std::to_string(kMostRecords) + " records of all extended partitions";
   }
   tables.checks.push_back(std::move(check));
+  if (outside) {
+    tables.checks.push_back({outside->sector, "logical partitions lie in the extended partition",
+                             Verdict::kBad, Range(outside->first, outside->last),
+                             "inside of " + Range(outermost.first, outermost.first + outermost.count - 1)});
+  }
 }
 
 // All ones stand for "the whole disk" on disks of any size.
@@ -126,7 +154,7 @@ void ReadMbrTable(PartitionTables& tables, u64 lastOnDisk) {
     tables.structures.push_back({.first = 0,
                                  .last = 0,
                                  .kind = ExtentKind::kStructure,
-                                 .flags = mbr.readable ? 0U : u32{kFlagDamaged},
+                                 .flags = mbr.readable && mbr.endMark ? 0U : u32{kFlagDamaged},
                                  .typeName = "master boot record",
                                  .source = "sector 0"});
   for (const MbrPartition& partition : mbr.partitions) {
@@ -135,6 +163,14 @@ void ReadMbrTable(PartitionTables& tables, u64 lastOnDisk) {
     extent.source = "MBR entry " + std::to_string(partition.entry);
     if (IsExtendedType(partition.type) || partition.type == kTypeProtective) extent.flags |= kFlagContainer;
     if (partition.type == kTypeProtective) EndProtective(extent, partition, lastOnDisk);
+    tables.partitions.push_back(std::move(extent));
+  }
+  const bool protective = mbr.OfType(kTypeProtective) != nullptr;
+  for (const MbrPartition& partition : mbr.untyped) {
+    if (protective || partition.first + partition.count - 1 > lastOnDisk) continue;
+    Extent extent = ExtentOf(partition, ExtentKind::kPartition);
+    extent.number = partition.entry;
+    extent.source = "MBR entry " + std::to_string(partition.entry);
     tables.partitions.push_back(std::move(extent));
   }
   MarkExtendedOverlaps(tables.partitions);
@@ -155,17 +191,36 @@ bool BeginsWith(u64 sector, std::string_view text) {
   return bytes && EqualsText(SliceAt(*bytes, 0, text.size()), text);
 }
 
-// Whether a volume begins in sector 0, where no table says otherwise. What is told by a signature further in
-// is not asked for where a GPT is: there it belongs to a partition.
+// Whether a volume begins in sector 0, where no table says otherwise. What is told by a signature further in,
+// or by a backup, is not asked for where a GPT is: there it belongs to a partition.
 bool IsBareVolume(const MasterBootRecord& mbr, u64 lastOnDisk) {
-  if (!mbr.readable || (mbr.plausible && !mbr.partitions.empty())) return false;
+  if (mbr.plausible && !mbr.partitions.empty()) return false;
   const auto sector = ReadSectors(0, 1);
-  if (!sector || sector->size() < 512) return false;
-  if (KindOfBootSector(SectorView(Bytes(*sector).first<512>())) != VolumeKind::kNone) return true;
+  if (sector && sector->size() >= 512 &&
+      KindOfBootSector(SectorView(Bytes(*sector).first<512>())) != VolumeKind::kNone)
+    return true;
+  if (BeginsWith(1, "EFI PART")) return false;
   const bool known = lastOnDisk != ~u64{0};
-  if (BeginsWith(1, "EFI PART") || (known && BeginsWith(lastOnDisk, "EFI PART"))) return false;
-  const u64 sectors = known ? lastOnDisk + 1 : 0;
-  return NameContent({.sector = 0, .sectors = sectors, .lastOnDisk = lastOnDisk}).has_value();
+  const VolumePlace place{.sector = 0, .sectors = known ? lastOnDisk + 1 : 0, .lastOnDisk = lastOnDisk};
+  const auto content = NameContent(place);
+  if (content && content->sector == 0) return true;
+  if (known && BeginsWith(lastOnDisk, "EFI PART")) return false;
+  return content || IsBackedUp(place);
+}
+
+// Whether all entries are on the disk and none over another: nobody's code looks like that.
+bool EntriesFit(const MasterBootRecord& mbr, u64 lastOnDisk) {
+  const auto& partitions = mbr.partitions;
+  for (auto one = partitions.begin(); one != partitions.end(); ++one) {
+    if (one->type == kTypeProtective) continue;  // it may cover more than there is
+    const u64 end = one->first + one->count;
+    if (one->first == 0 || one->count == 0 || end - 1 > lastOnDisk) return false;
+    const bool over = std::any_of(one + 1, partitions.end(), [&](const MbrPartition& other) {
+      return other.type != kTypeProtective && other.first < end && one->first < other.first + other.count;
+    });
+    if (over) return false;
+  }
+  return !partitions.empty();
 }
 
 }  // namespace
@@ -189,11 +244,18 @@ PartitionTables ReadPartitionTables(u64 lastOnDisk) {
       mark.found = "none";
     }
     tables.checks.push_back(std::move(mark));
+    const bool fit = EntriesFit(tables.mbr, lastOnDisk);
     if (tables.mbr.endMark && !tables.mbr.plausible) {
-      tables.checks.push_back({0, "boot indicators of the partition table", Verdict::kBad,
-                               "neither 0x00 nor 0x80: no partition is taken from it", "0x00 or 0x80"});
+      tables.checks.push_back(
+          {0, "boot indicators of the partition table", Verdict::kBad,
+           std::string("neither 0x00 nor 0x80") +
+               (fit ? ", though the entries fit the disk" : ": no partition is taken from it"),
+           "0x00 or 0x80"});
     }
-    if (tables.mbr.readable && !tables.mbr.plausible) tables.mbr.partitions.clear();
+    if (!tables.mbr.plausible && !(tables.mbr.endMark && fit)) {
+      tables.mbr.partitions.clear();
+      tables.mbr.untyped.clear();
+    }
     ReadMbrTable(tables, lastOnDisk);
   }
   ReadGptTables(tables, lastOnDisk);

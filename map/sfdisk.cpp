@@ -211,6 +211,8 @@ std::string MapAsSfdisk(const DiskMap& map) {
   for (const Extent* extent : partitions)
     script.Add(*extent);
   AddOtherTable(script, map);
+  for (const std::string& sentence : map.cut)
+    script.text.append("# ").append(sentence).append("\n");
   return script.text;
 }
 

@@ -31,7 +31,7 @@ std::string SchemeOf(const PartitionTables& tables) {
   const bool live = std::any_of(tables.mbr.partitions.begin(), tables.mbr.partitions.end(), isLive);
   const bool gpt = (tables.primary && tables.primary->present) || (tables.backup && tables.backup->present);
   if (gpt && (tables.gptInUse || !live)) return live ? "GPT, hybrid MBR" : "GPT";
-  return tables.mbr.endMark ? "MBR" : "none";
+  return tables.mbr.endMark || !tables.mbr.partitions.empty() ? "MBR" : "none";
 }
 
 std::string IdOf(const PartitionTables& tables) {
@@ -39,7 +39,8 @@ std::string IdOf(const PartitionTables& tables) {
     const auto& copy = tables.followsPrimary ? tables.primary : tables.backup;
     if (copy && copy->present) return GuidText(copy->diskGuid);
   }
-  return tables.mbr.endMark && !tables.bareVolume ? Hex32(tables.mbr.signature) : std::string();
+  const bool table = tables.mbr.endMark || !tables.mbr.partitions.empty();
+  return table && !tables.bareVolume ? Hex32(tables.mbr.signature) : std::string();
 }
 
 // The structures that the tables lead to; the decoders find the rest.

@@ -15,6 +15,7 @@ struct MbrTypeName {
 };
 
 constexpr MbrTypeName kMbrTypes[] = {
+    {0x00, "no type"},
     {0x01, "FAT12"},
     {0x04, "FAT16, below 32 MiB"},
     {0x05, "Extended"},

@@ -67,6 +67,14 @@ VolumeKind KindByBackup(const VolumePlace& place) {
   return VolumeKind::kNone;
 }
 
+bool IsBackedUp(const VolumePlace& place) {
+  const VolumeKind kind = KindByBackup(place);
+  if (kind == VolumeKind::kNone) return false;
+  const u64 sectors = ExamineVolume(kind, place).sectors;
+  constexpr u64 kMostSpare = 2048;  // what formatting leaves over of a disk
+  return sectors != 0 && place.sectors >= sectors && place.sectors - sectors <= kMostSpare;
+}
+
 VolumeFindings ExamineVolume(VolumeKind kind, const VolumePlace& place) {
   for (const KindRow& row : kKinds) {
     if (row.kind == kind) return row.examine(place);

@@ -26,6 +26,10 @@ VolumeKind KindOfBootSector(SectorView boot);
 // says nothing and no other content was seen: a former volume's backup outlives it.
 VolumeKind KindByBackup(const VolumePlace& place);
 
+// Whether such a backup belongs to a volume that begins there: a partition's stands at the same places of a
+// disk, where one ends with it.
+bool IsBackedUp(const VolumePlace& place);
+
 // The examination of such a volume; nothing for kNone.
 VolumeFindings ExamineVolume(VolumeKind kind, const VolumePlace& place);
 

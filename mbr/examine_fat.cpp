@@ -58,8 +58,13 @@ void AddAreas(VolumeFindings& findings, const Volume& volume) {
   if (const auto sector = NamedSector(volume, Le16<kFat32BackupBoot>(volume.boot))) {
     add("backup boot sector", *sector, 1);
   }
-  for (u64 i = 0; i < geometry.fats; ++i)
+  const u64 alone = std::min(geometry.fats, kMostFatsCompared);
+  for (u64 i = 0; i < alone; ++i)
     add("FAT " + std::to_string(i + 1), volume.Fat(i), geometry.fatSize);
+  if (geometry.fats > alone) {
+    add("FATs " + std::to_string(alone + 1) + " to " + std::to_string(geometry.fats), volume.Fat(alone),
+        (geometry.fats - alone) * geometry.fatSize);
+  }
   add("root directory", geometry.rootDirectory, geometry.rootSectors);
   add("data", geometry.firstData, geometry.clusters * geometry.sectorsPerCluster);
 }

@@ -77,7 +77,10 @@ MasterBootRecord ReadMasterBootRecord() {
   mbr.signature = Le32At(*record, kDiskSignature);
   for (unsigned entry = 1; entry <= kEntries; ++entry) {
     const MbrPartition partition = PartitionOf(*record, entry, 0);
-    if (partition.type != kTypeEmpty) mbr.partitions.push_back(partition);
+    if (partition.type != kTypeEmpty)
+      mbr.partitions.push_back(partition);
+    else if (partition.first != 0 && partition.count != 0)
+      mbr.untyped.push_back(partition);
   }
   return mbr;
 }
@@ -115,7 +118,7 @@ ExtendedRecord ReadExtendedRecord(u64 sector) {
   record.plausible = bytes && LooksLikeExtendedRecord(*bytes);
   for (unsigned entry = 1; record.endMark && entry <= kEntries; ++entry) {
     const MbrPartition partition = PartitionOf(*bytes, entry, sector);
-    if (partition.count == 0 || partition.type == kTypeEmpty) continue;
+    if (partition.count == 0) continue;  // whatever its type
     if (IsExtendedType(partition.type)) {
       if (!record.link) record.link = partition.first - sector;
     } else if (!record.logical) {

@@ -31,6 +31,7 @@ struct MasterBootRecord {
       false;  // each used entry's boot indicator is 0x00 or 0x80: what a table has and boot code does not
   u32 signature = 0;
   std::vector<MbrPartition> partitions;  // the used entries, in the table's order
+  std::vector<MbrPartition> untyped;  // of type 0, which states no partition, and with sectors all the same
 
   const MbrPartition* OfType(u8 type) const;  // the first of them, or null
 };

@@ -41,7 +41,7 @@ void Report::Empty() {
     std::exit(0);
   }
   errors << "Error writing the report, error " << error << '\n';
-  std::exit(1);
+  std::exit(failureStatus_);
 }
 
 void Report::AppendPiecewise(std::string_view text) {

@@ -80,6 +80,9 @@ class Report {
     if (used_ != 0) Empty();
   }
 
+  // The status that a process then ends with, where 1 says something else.
+  void FailWith(int status) { failureStatus_ = status; }
+
   // From now on what is printed is appended to the text; null: it goes to the system again. The text has all
   // of it after Flush and after the next DirectTo.
   void DirectTo(std::string* text);
@@ -114,6 +117,7 @@ class Report {
   Report* ahead_;
   ReportSettings settings_;
   bool terminal_ = false;
+  int failureStatus_ = 1;
   bool failed_ = false;  // the system has refused some of it
   std::string* text_ = nullptr;
   u64 handedOver_ = 0;

@@ -114,6 +114,22 @@ TEST_F(MapCommand, ComplainsAboutWhatItDoesNotUnderstand) {
   }
 }
 
+// 1 says that two maps differ, so whatever fails has another status where they are compared.
+TEST_F(MapCommand, AComparisonThatFailsIsStatusThree) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--compare", "", "disk.img"},
+        {"--compare", "disk.img"},
+        {"--compare=disk.img", "--colour", "disk.img"},
+        {"disk.img", "--compare"},
+        {"--compare", "disk.img", "not-there.img"},
+        {"--compare", "disk.img", "disk.img", "-o", "no-folder/lines"}}) {
+    const Outcome outcome = RunMap(arguments);
+    EXPECT_EQ(outcome.status, 3) << arguments.back();
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_NE(outcome.err, "");
+  }
+}
+
 // Pieces of an image are not open yet when the output is, and are not named on the command line.
 TEST_F(MapCommand, PieceOfTheImageIsNoOutput) {
   fs::rename("disk.img", "disk.001");

@@ -552,6 +552,21 @@ TEST_F(CompareFiles, StatusSaysWhetherTheyAreEqual) {
   EXPECT_EQ(complaint_, "");
 }
 
+// Nobody is told that disks are equal of which a part was not compared.
+TEST_F(CompareFiles, MapsThatLeaveSomethingOutAreNotEqual) {
+  DiskMap map;
+  map.cut = {"Of 5000 logical partitions the first 4096 are shown."};
+  const std::string cut = Saved("cut", Written(map));
+  EXPECT_EQ(Compare(cut, cut), 3);
+  EXPECT_EQ(lines_, "");
+  EXPECT_EQ(complaint_,
+            "no difference was found, but both maps leave something out: "
+            "Of 5000 logical partitions the first 4096 are shown.");
+  complaint_.clear();
+  EXPECT_EQ(Compare(cut, Saved("whole", Written({}))), 1);
+  EXPECT_EQ(complaint_, "");
+}
+
 TEST_F(CompareFiles, DamagedOneIsNamed) {
   const std::string good = Saved("good", Written({}));
   const std::string bad = Saved("bad", "{\"schema\": \"trovisk-map/1\", ");

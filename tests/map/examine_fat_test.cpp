@@ -228,6 +228,19 @@ TEST(ExamineFat, UnreadableBootSectorIsMissing) {
   EXPECT_EQ(Judged(Examined16(disk), "FAT boot sector"), "sector 63 missing: unreadable, whole");
 }
 
+TEST(ExamineFat, FurtherFatsAreOneArea) {
+  const VolumeFindings findings = Examined16(Fat16Disk({.fats = 7, .totalSectors16 = 50000}));
+  EXPECT_EQ(AreasOf(findings),
+            "63-63 reserved\n"
+            "64-103 FAT 1\n"
+            "104-143 FAT 2\n"
+            "144-183 FAT 3\n"
+            "184-223 FAT 4\n"
+            "224-343 FATs 5 to 7\n"
+            "344-375 root directory\n"
+            "376-50059 data\n");
+}
+
 TEST(ExamineFat, EveryFieldAtItsLargestEnds) {
   Disk disk(50000);
   PutFat32BootSector(disk, kFatVolume,

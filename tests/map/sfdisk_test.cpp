@@ -140,6 +140,12 @@ TEST(SfdiskScript, GptThatTheMbrDoesNotLeadToIsAComment) {
             "uuid=a0b1c2d3-e4f5-4607-8819-2a3b4c5d6e7f\n");
 }
 
+TEST(SfdiskScript, WhatIsCutIsSaid) {
+  DiskMap map = MbrDisk();
+  map.cut = {"Of 5000 logical partitions the first 4096 are shown."};
+  EXPECT_EQ(Lines(map), "# Of 5000 logical partitions the first 4096 are shown.\n");
+}
+
 TEST(SfdiskScript, NoTableIsAComment) {
   DiskMap map;
   map.disk.scheme = "none";

@@ -120,8 +120,94 @@ TEST(LostTable, AWrongBootIndicatorIsSaid) {
   EXPECT_EQ(VerdictOf(map, "boot indicators of the partition table"), "none");
   disk.At(0).U8(0x1BE, 1);
   map = SurveyOf(disk);
-  EXPECT_EQ(PartitionsOf(map), Lines{});
-  EXPECT_EQ(VerdictOf(map, "boot indicators of the partition table"), "bad");
+  EXPECT_EQ(PartitionsOf(map), Lines{"63-1062 MBR entry 1"});
+  ASSERT_EQ(VerdictOf(map, "boot indicators of the partition table"), "bad");
+  EXPECT_EQ(CheckOf(map, "boot indicators of the partition table")->found,
+            "neither 0x00 nor 0x80, though the entries fit the disk");
+  // What boot code has there are no places on the disk.
+  for (const PartitionEntry& other : {PartitionEntry{.type = 0x83, .first = 1000, .count = 100},
+                                      PartitionEntry{.type = 0x83, .first = 2000, .count = 5000}}) {
+    PutBootRecord(disk, 0,
+                  {.entries = {{.bootIndicator = 1, .type = 0x83, .first = 63, .count = 1000}, other}});
+    map = SurveyOf(disk);
+    EXPECT_EQ(PartitionsOf(map), Lines{});
+    EXPECT_EQ(CheckOf(map, "boot indicators of the partition table")->found,
+              "neither 0x00 nor 0x80: no partition is taken from it");
+  }
+}
+
+TEST(LostTable, AProtectiveEntryWithAWrongIndicatorIsThere) {
+  Disk disk = OnePartition(kBasicDataType);
+  disk.At(0).U8(0x1BE, 0x81);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(VerdictOf(map, "protective entry covers the disk"), "good");
+  EXPECT_EQ(WrongChecks(map), Lines{"boot indicators of the partition table: bad"});
+}
+
+TEST(LostTable, ATableWithoutItsEndMarkIsATable) {
+  Disk disk;
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 63, .count = 1000}}});
+  disk.At(0).Le32(0x1B8, 0x12345678).Le16(510, 0);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(map.disk.scheme, "MBR");
+  EXPECT_EQ(map.disk.id, "0x12345678");
+  EXPECT_EQ(PartitionsOf(map), Lines{"63-1062 MBR entry 1"});
+  EXPECT_TRUE(HasFlag(map, 0, kFlagDamaged));
+}
+
+// Other systems go by the sectors alone; behind a protective entry nobody does.
+TEST(LostTable, AnEntryOfTypeZeroWithSectorsIsShown) {
+  Disk disk;
+  const PartitionEntry untyped = {.first = 63, .count = 1000};
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 2000, .count = 10}, untyped}});
+  EXPECT_EQ(PartitionsOf(SurveyOf(disk)), (Lines{"63-1062 MBR entry 2", "2000-2009 MBR entry 1"}));
+  PutBootRecord(disk, 0, {.entries = {{.type = 0xEE, .first = 1, .count = 4095}, untyped}});
+  EXPECT_EQ(PartitionsOf(SurveyOf(disk)), Lines{"1-4095 MBR entry 1 container"});
+}
+
+// Of a disk without a table, whose first sector is lost.
+TEST(LostTable, AVolumeOfAWholeDiskIsFoundByItsBackup) {
+  Disk disk;
+  PutNtfsBootSector(disk, 4095, {.totalSectors = 4095});
+  DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(map.disk.scheme, "none");
+  EXPECT_EQ(ExtentsOf(map, ExtentKind::kVolume), Lines{"0-4095 NTFS backup boot sector"});
+  EXPECT_EQ(map.ExitStatus(), 2);
+  // That of a partition which ended with the disk.
+  PutNtfsBootSector(disk, 4095, {.totalSectors = 1999});
+  map = SurveyOf(disk);
+  EXPECT_EQ(ExtentsOf(map, ExtentKind::kVolume), Lines{});
+}
+
+// What stands in sector 0 was written behind the GPT whose backup is still there.
+TEST(LostTable, AVolumeOverAGptIsTheDisksContent) {
+  Disk disk = OnePartition(kBasicDataType);
+  Zero(disk, 0);
+  Zero(disk, 1);
+  disk.At(0).Text(0, "LUKS\xBA\xBE").Be16(6, 2);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(map.disk.scheme, "none");
+  EXPECT_EQ(ExtentsOf(map, ExtentKind::kVolume), Lines{"0-4095 signature at sector 0"});
+  EXPECT_EQ(map.ExitStatus(), 2);
+}
+
+TEST(LostTable, AVolumeLargerThanItsPartitionIsBad) {
+  Disk disk;
+  PutBootRecord(disk, 0, {.entries = {{.type = 0x83, .first = 100, .count = 100}}});
+  disk.At(102).Le32(0x04, 100).Le32(0x18, 0).Le16(0x38, 0xEF53);  // 100 blocks of 1024 bytes
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(WrongChecks(map), Lines{"ext2 total sectors: bad"});
+  EXPECT_EQ(CheckOf(map, "ext2 total sectors")->found, "200");
+}
+
+// The first PRIVHEAD is lost too: the last sector has a copy.
+TEST(LostTable, ADynamicDiskIsFoundByItsLastSector) {
+  Disk disk = MakeGroupDisk({.records = FiveVolumes(), .counts = kFiveVolumesCounts});
+  Zero(disk, 0);
+  Zero(disk, 6);
+  const DiskMap map = SurveyOf(disk);
+  ASSERT_TRUE(map.dynamicDisk.has_value());
+  EXPECT_EQ(map.dynamicDisk->volumes.size(), 5u);
 }
 
 // A primary header whose checksum is right and that says that it stands in sector 99.

@@ -184,6 +184,34 @@ TEST(MbrChain, TheLargestNumbersDoNotWrap) {
                                       "4294967295-8589934589 MBR entry 1 container beyond-end"}));
 }
 
+// A type of 0 makes no difference to those who count logical partitions.
+TEST(MbrChain, ALogicalPartitionOfTypeZeroHasItsNumber) {
+  Disk disk = Extended();
+  PutLogical(disk, 1000, 1500);
+  PutLogical(disk, 1500, 0);
+  disk.At(1000).U8(0x1BE + 4, 0);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(PartitionsOf(map), (Lines{"1000-3999 MBR entry 1 container", "1001-1009 EBR at sector 1000",
+                                      "1501-1509 EBR at sector 1500"}));
+  EXPECT_EQ(NumbersOf(map), (std::vector<u64>{5, 6}));
+}
+
+TEST(MbrChain, WhatLiesOutsideOfTheExtendedPartitionIsBad) {
+  constexpr std::string_view kInside = "logical partitions lie in the extended partition";
+  Disk disk = Extended();
+  PutLogical(disk, 1000, 3990);
+  PutLogical(disk, 3990, 0);
+  EXPECT_EQ(VerdictOf(SurveyOf(disk), kInside), "none");
+  disk.At(3990).Le32(0x1BE + 12, 10);
+  const DiskMap map = SurveyOf(disk);
+  ASSERT_EQ(VerdictOf(map, kInside, 3990), "bad");
+  EXPECT_EQ(CheckOf(map, kInside)->found, "3991 to 4000");
+  EXPECT_EQ(CheckOf(map, kInside)->expected, "inside of 1000 to 3999");
+  PutLogical(disk, 1000, 4050);
+  PutLogical(disk, 4050, 0);
+  EXPECT_EQ(VerdictOf(SurveyOf(disk), kInside, 4050), "bad");
+}
+
 // An entry without sectors claims none, wherever it says that it begins.
 TEST(MbrChain, AnEmptyEntryOverlapsNothing) {
   const auto surveyed = [](PartitionEntry extended, PartitionEntry other) {
