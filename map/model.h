@@ -26,7 +26,7 @@ enum class ExtentKind : u8 {
 
 // What is to be said of an extent beside its place.
 enum ExtentFlag : u32 {
-  kFlagActive = 1U << 0,        // the boot indicator is set
+  kFlagActive = 1U << 0,        // the boot indicator is set, or attribute bit 2 of a GPT partition
   kFlagContainer = 1U << 1,     // it only holds others: extended, protective, dynamic
   kFlagOverlaps = 1U << 2,      // another partition or a partitioning structure claims some of its sectors
   kFlagBeyondEnd = 1U << 3,     // some of it lies beyond the end of the disk
@@ -37,7 +37,8 @@ enum ExtentFlag : u32 {
                                 // sectors, both have the flag
   kFlagUnsound = 1U << 7,       // from a copy of the table whose checksums are wrong
   kFlagCopyDiffers = 1U << 8,   // the other copy of the table says something else here
-  kFlagOtherReading = 1U << 9,  // from the report's reading of an extended chain alone, not the usual one
+  kFlagOtherReading = 1U << 9,  // not from the usual reading of extended boot records: from the report's, or
+                                // a further partition that one of them holds
   kFlagDamaged = 1U << 10,      // a structure stood here, and is invalid or unreadable
   kFlagOtherCopy = 1U << 11,    // from the copy of the GPT that the map does not follow
 };
