@@ -90,6 +90,7 @@ bool ReadVolume(DiskMap& map, const VolumePlace& place) {
   const bool fromBackup = kind == VolumeKind::kNone;
   if (!fromBackup) {
     AddTocEntry(disk, place.sector, IdentifyBootSector, L"Boot Sector");
+    if (auto raid = NameRaidMember(place)) AddForeign(map, place, std::move(*raid));
   } else if (auto foreign = NameContent(place)) {
     AddForeign(map, place, std::move(*foreign));
     return true;

@@ -10,7 +10,7 @@
 
 namespace trovisk {
 
-// One line for each difference, in the order disk, extents, checks, structures, what belongs together:
+// One line for each difference, in the order disk, what belongs together, extents, checks, structures:
 //   removed, added   what only the first, only the second map has
 //   moved            the same thing elsewhere
 //   changed          a value of a thing that both have

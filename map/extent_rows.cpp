@@ -28,8 +28,9 @@ std::string TypeText(const Extent& extent) {
 }
 
 std::string SizeOfExtent(const Extent& extent, u32 sectorSize) {
-  if ((extent.flags & kFlagReversed) != 0) return "?";
-  return SizeOfSectors(SectorsOf(extent), sectorSize);
+  const u64 sectors = SectorsOf(extent);
+  if (sectors == 0 && (extent.flags & kFlagEmpty) == 0) return "?";
+  return SizeOfSectors(sectors, sectorSize);
 }
 
 std::string Indented(u64 depth, std::string_view text) {

@@ -109,6 +109,11 @@ u64 BackupSector(const GptCopy& primary, u64 lastOnDisk) {
   return primary.headerSound && possible ? primary.otherLba : lastOnDisk;
 }
 
+bool BeginsWithGptHeader(u64 sector) {
+  const auto bytes = ReadSectors(sector, 1);
+  return bytes && EqualsText(SliceAt(*bytes, 0, 8), "EFI PART");
+}
+
 void CheckLastSector(const GptCopy& backup, u64 lastOnDisk, std::vector<Check>& checks) {
   Check check =
       CheckEqual(backup.sector, "GPT backup header stands in the last sector", backup.sector, lastOnDisk);
@@ -139,10 +144,16 @@ void ReadGptTables(PartitionTables& tables, u64 lastOnDisk) {
     if (!backup.present && known && place != lastOnDisk)
       backup = ExamineGptCopy("backup", lastOnDisk, lastOnDisk, checks);
   }
+  // Of a disk that has grown the protective entry still says where it ended.
+  const MbrPartition* protective = tables.mbr.OfType(kTypeProtective);
+  if (!backup.present && protective != nullptr && protective->count != 0) {
+    const u64 former = protective->first + protective->count - 1;
+    if (former > kPrimaryHeader && former < lastOnDisk && former != place && BeginsWithGptHeader(former))
+      backup = ExamineGptCopy("backup", former, lastOnDisk, checks);
+  }
   // Where the MBR has no partitions at all, nothing speaks against the GPT.
   const bool present = primary.present || backup.present;
-  tables.gptInUse = tables.mbr.OfType(kTypeProtective) != nullptr ||
-                    (present && tables.mbr.partitions.empty() && !tables.bareVolume);
+  tables.gptInUse = protective != nullptr || (present && tables.mbr.partitions.empty() && !tables.bareVolume);
   if (!primary.present && !backup.present && !tables.gptInUse) return;
 
   std::move(checks.begin(), checks.end(), std::back_inserter(tables.checks));

@@ -37,9 +37,10 @@ std::string Extents(const DiskMap& map) {
   std::string text = Record({"#extent", "first", "last", "sectors", "kind", "type", "type_name", "name",
                              "source", "flags", "depth", "number", "id", "attributes"});
   for (const Extent& extent : map.extents) {
-    const bool reversed = (extent.flags & kFlagReversed) != 0;
+    const u64 sectors = SectorsOf(extent);
+    const bool counted = sectors != 0 || (extent.flags & kFlagEmpty) != 0;
     text +=
-        Record({"extent", Value(extent.first), Value(extent.last), reversed ? "-" : Value(SectorsOf(extent)),
+        Record({"extent", Value(extent.first), Value(extent.last), counted ? Value(sectors) : "-",
                 Value(NameOfKind(extent.kind)), Value(extent.type), Value(extent.typeName),
                 Value(extent.name), Value(extent.source), FlagsValue(extent.flags), Value(extent.depth),
                 extent.number == 0 ? "-" : Value(extent.number), Value(extent.id), Value(extent.attributes)});

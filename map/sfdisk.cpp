@@ -91,8 +91,8 @@ bool HasAttributesThatGetLost(const Extent& extent) {
 
 std::string Line(const Extent& extent) {
   std::string text = "disk" + std::to_string(extent.number) + " : start=" + std::to_string(extent.first);
-  if ((extent.flags & (kFlagEmpty | kFlagReversed)) == 0)
-    text.append(", size=").append(std::to_string(extent.last - extent.first + 1));
+  const u64 sectors = (extent.flags & (kFlagEmpty | kFlagReversed)) == 0 ? extent.last - extent.first + 1 : 0;
+  if (sectors != 0) text.append(", size=").append(std::to_string(sectors));
   if (!IsOfGpt(extent)) {
     text.append(", type=").append(extent.type, std::min<std::size_t>(2, extent.type.size()));
     if ((extent.flags & kFlagActive) != 0) text.append(", bootable");

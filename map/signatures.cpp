@@ -144,11 +144,11 @@ std::optional<ForeignContent> NameAt(const VolumePlace& place, PlaceBytes& bytes
                         .sector = DiskSectorAt(place, position + row.magicOffset)};
 }
 
-}  // namespace
-
-std::optional<ForeignContent> NameContent(const VolumePlace& place) {
+// magic: of the rows that are looked for; empty: all.
+std::optional<ForeignContent> Name(const VolumePlace& place, std::string_view magic) {
   PlaceBytes bytes(place);
   for (const SignatureRow& row : kRows) {
+    if (!magic.empty() && row.magic != magic) continue;
     if (row.places.unlessBlank != 0 && bytes.IsBlank(row.places.unlessBlank)) continue;
     for (u64 i = 0; i < row.places.count; ++i) {
       const auto position = SuperblockPosition(row.places, i, bytes.Size());
@@ -157,6 +157,16 @@ std::optional<ForeignContent> NameContent(const VolumePlace& place) {
     }
   }
   return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<ForeignContent> NameContent(const VolumePlace& place) {
+  return Name(place, {});
+}
+
+std::optional<ForeignContent> NameRaidMember(const VolumePlace& place) {
+  return Name(place, kMd);
 }
 
 }  // namespace trovisk

@@ -18,6 +18,10 @@ struct ForeignContent {
 // alone, at most 300 KiB of them; what cannot be read counts as zeros.
 std::optional<ForeignContent> NameContent(const VolumePlace& place);
 
+// The same of md RAID alone, whose superblock may stand beside the boot sector of the volume that the RAID
+// holds, or of a former one.
+std::optional<ForeignContent> NameRaidMember(const VolumePlace& place);
+
 }  // namespace trovisk
 
 #endif

@@ -179,6 +179,30 @@ TEST(LostTable, AVolumeOfAWholeDiskIsFoundByItsBackup) {
   EXPECT_EQ(ExtentsOf(map, ExtentKind::kVolume), Lines{});
 }
 
+// The backup stands where the disk ended once, which the protective entry says.
+TEST(LostTable, AGrownDiskWithoutItsPrimaryGpt) {
+  Disk disk = OnePartition(kBasicDataType);
+  Zero(disk, 1);
+  disk.Resize(5000);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(map.disk.scheme, "GPT");
+  EXPECT_EQ(PartitionsOf(map), (Lines{"1-4095 MBR entry 1 container", "100-199 GPT backup entry 1"}));
+  EXPECT_EQ(VerdictOf(map, "GPT backup header", 4999), "missing");
+  EXPECT_EQ(VerdictOf(map, "GPT backup header", 4095), "good");
+  EXPECT_EQ(VerdictOf(map, "GPT backup header stands in the last sector"), "bad");
+}
+
+// A mirrored volume begins where its RAID does, whose superblock stands at the end.
+TEST(LostTable, AVolumeInsideOfARaidIsNamedWithIt) {
+  Disk disk = OnePartition(kBasicDataType);
+  PutNtfsBootSector(disk, 100, {.totalSectors = 83});
+  const u64 superblock = 100 + 80;  // 8 KiB or more before the end, on 4 KiB of the partition
+  disk.At(superblock).Le32(0, 0xA92B4EFC).Le32(4, 1).Text(0x20, "host:0").Le64(0x90, 80);
+  const DiskMap map = SurveyOf(disk);
+  EXPECT_EQ(ExtentsOf(map, ExtentKind::kVolume),
+            (Lines{"100-199 signature at sector 180", "100-183 NTFS boot sector"}));
+}
+
 // What stands in sector 0 was written behind the GPT whose backup is still there.
 TEST(LostTable, AVolumeOverAGptIsTheDisksContent) {
   Disk disk = OnePartition(kBasicDataType);
