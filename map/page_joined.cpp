@@ -15,6 +15,16 @@ namespace {
 constexpr std::size_t kMostRows = 4000;
 constexpr std::string_view kThisDisk = "<span class=\"badge\">this disk</span>";
 
+// As many of them as are shown.
+template <typename Thing>
+std::span<const Thing> Shown(const std::vector<Thing>& things) {
+  return std::span(things).first(std::min(things.size(), kMostRows));
+}
+
+std::string CutLine(std::size_t count) {
+  return count > kMostRows ? HtmlCutLine(count - kMostRows) : std::string();
+}
+
 // The name as text, or what the object is called by its identifier.
 std::string NameOf(const std::string& name, std::string_view thing, u64 id) {
   return name.empty() ? std::string(thing) + " " + std::to_string(id) : HtmlText(name);
@@ -59,7 +69,7 @@ std::string PartitionRow(const DynamicPartition& partition, u32 sectorSize) {
 std::string PartitionTable(const std::vector<DynamicPartition>& partitions, const std::string& label,
                            u32 sectorSize) {
   std::string rows;
-  for (const DynamicPartition& partition : partitions)
+  for (const DynamicPartition& partition : Shown(partitions))
     rows += PartitionRow(partition, sectorSize);
   return ScrollingTable(label,
                         HtmlHead({{"Column", true},
@@ -68,7 +78,8 @@ std::string PartitionTable(const std::vector<DynamicPartition>& partitions, cons
                                   {"Starts at", true},
                                   {"Size", true},
                                   {"Offset in component", true}}),
-                        rows);
+                        rows) +
+         CutLine(partitions.size());
 }
 
 std::string ComponentItem(const DynamicComponent& component, u32 sectorSize) {
@@ -90,9 +101,9 @@ std::string VolumeItem(const DynamicVolume& volume, u32 sectorSize) {
           "</summary>\n";
   if (!volume.guid.empty()) html += "<p class=\"quiet\">" + HtmlText(volume.guid) + "</p>\n";
   html += "<ul class=\"tree\">\n";
-  for (const DynamicComponent& component : volume.components)
+  for (const DynamicComponent& component : Shown(volume.components))
     html += ComponentItem(component, sectorSize);
-  return html + "</ul>\n</details>\n</li>\n";
+  return html + "</ul>\n" + CutLine(volume.components.size()) + "</details>\n</li>\n";
 }
 
 std::string DiskItem(const DynamicDiskMember& disk) {
@@ -119,12 +130,13 @@ std::string DynamicDiskSection(const DynamicDisk& dynamic, u32 sectorSize) {
                                 {"Database", SizeOfSectors(dynamic.databaseSize, sectorSize)}}) +
                      Remarks(dynamic.remarks) + "<h3>" + Counted(dynamic.disks.size(), "disk") +
                      "</h3>\n<ul>\n";
-  for (const DynamicDiskMember& disk : dynamic.disks)
+  for (const DynamicDiskMember& disk : Shown(dynamic.disks))
     html += DiskItem(disk);
-  html += "</ul>\n<h3>" + Counted(dynamic.volumes.size(), "volume") + "</h3>\n<ul class=\"tree\">\n";
-  for (const DynamicVolume& volume : dynamic.volumes)
+  html += "</ul>\n" + CutLine(dynamic.disks.size()) + "<h3>" + Counted(dynamic.volumes.size(), "volume") +
+          "</h3>\n<ul class=\"tree\">\n";
+  for (const DynamicVolume& volume : Shown(dynamic.volumes))
     html += VolumeItem(volume, sectorSize);
-  html += "</ul>\n";
+  html += "</ul>\n" + CutLine(dynamic.volumes.size());
   if (!dynamic.orphans.empty()) {
     html += "<h3>Partitions without a volume</h3>\n" +
             PartitionTable(dynamic.orphans, "Partitions without a volume", sectorSize);
@@ -148,13 +160,12 @@ std::string StorageSpacesSection(const StorageSpaces& spaces) {
                      Remarks(spaces.remarks);
   if (!spaces.objects.empty()) {
     std::string rows;
-    for (const SpacesObject& object :
-         std::span(spaces.objects).first(std::min(spaces.objects.size(), kMostRows)))
+    for (const SpacesObject& object : Shown(spaces.objects))
       rows += ObjectRow(object);
     html +=
         ScrollingTable("Objects of the pool",
                        HtmlHead({{"Object", true}, {"Kind"}, {"Name"}, {"GUID"}, {"Records", true}}), rows);
-    if (spaces.objects.size() > kMostRows) html += HtmlCutLine(spaces.objects.size() - kMostRows);
+    html += CutLine(spaces.objects.size());
   }
   return html + "</section>\n";
 }

@@ -70,7 +70,7 @@ std::string HtmlFacts(std::initializer_list<HtmlFact> facts) {
 }
 
 std::string HtmlCutLine(std::size_t left) {
-  return "<p class=\"cut\">" + std::to_string(left) + " more are not in this table.</p>\n";
+  return "<p class=\"cut\">" + std::to_string(left) + " more are not shown.</p>\n";
 }
 
 }  // namespace trovisk

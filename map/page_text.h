@@ -36,7 +36,7 @@ struct HtmlFact {
 };
 std::string HtmlFacts(std::initializer_list<HtmlFact> facts);
 
-// That so many rows were left out.
+// That so many rows or items were left out.
 std::string HtmlCutLine(std::size_t left);
 
 }  // namespace trovisk

@@ -155,7 +155,18 @@ TEST(HtmlPage, LongTablesAreCutAndSaySo) {
   map.disk.sectorSize = 512;
   map.extents.resize(503);
   const std::string page = Page(map);
-  EXPECT_NE(page.find("<p class=\"cut\">3 more are not in this table.</p>"), std::string::npos);
+  EXPECT_NE(page.find("<p class=\"cut\">3 more are not shown.</p>"), std::string::npos);
+}
+
+TEST(HtmlPage, SoAreThePartsOfADynamicDisk) {
+  DiskMap map;
+  map.dynamicDisk.emplace().orphans.resize(4005);
+  EXPECT_NE(Page(map).find("<p class=\"cut\">5 more are not shown.</p>"), std::string::npos);
+  map.dynamicDisk.emplace().volumes.resize(4006);
+  EXPECT_NE(Page(map).find("<p class=\"cut\">6 more are not shown.</p>"), std::string::npos);
+  map.dynamicDisk.emplace().volumes.resize(1);
+  map.dynamicDisk->volumes[0].components.resize(4007);
+  EXPECT_NE(Page(map).find("<p class=\"cut\">7 more are not shown.</p>"), std::string::npos);
 }
 
 TEST(HtmlPage, SaysBehindWhichSectorStructuresAreLeftOut) {

@@ -285,7 +285,7 @@ TEST(GptCopies, StructuresOfLargeSectorsAreCutSooner) {
   });
   EXPECT_EQ(cutBehind, last);
   EXPECT_GE(fields, kMostFields);
-  EXPECT_LT(fields, kMostFields + 32 * 8);
+  EXPECT_LT(fields, kMostFields + u64{32} * 8);
 }
 
 TEST(GptCopies, PartitionsOutsideTheUsableSectorsAndOverEachOther) {
