@@ -82,7 +82,7 @@ std::string StoredGuidText(Bytes bytes) {
   return text;
 }
 
-std::string SafeUtf16(Bytes units) {
+std::string SafeUtf16(Bytes units, bool* replaced) {
   std::string text;
   for (u64 position = 0; position + 2 <= units.size(); position += 2) {
     const char32_t unit = Le16At(units, position);
@@ -96,7 +96,9 @@ std::string SafeUtf16(Bytes units) {
       }
     }
     const bool lone = character >= 0xD800 && character < 0xE000;
-    AppendUtf8(text, lone || IsUnsafeToShow(character) ? U'?' : character);
+    const bool unsafe = lone || IsUnsafeToShow(character);
+    if (unsafe && replaced != nullptr) *replaced = true;
+    AppendUtf8(text, unsafe ? U'?' : character);
   }
   return text;
 }

@@ -74,7 +74,8 @@ std::string StoredGuidText(Bytes bytes);
 
 // Text of the disk as UTF-8 that is safe to show: '?' for control characters, for what overrides the
 // direction of text and for what is no character; it ends at the first NUL. units: UTF-16, little-endian.
-std::string SafeUtf16(Bytes units);
+// replaced: set where a character was.
+std::string SafeUtf16(Bytes units, bool* replaced = nullptr);
 // The same for text that claims to be UTF-8 already.
 std::string SafeUtf8(std::string_view text);
 // The same for text of one byte a character: '?' for what is no printable ASCII; without blanks at its end.

@@ -82,7 +82,7 @@ void TakeEntry(GptCopy& copy, u64 number, Bytes bytes) {
                          .name = {}};
   if (AllZero(partition.type)) return;
   if (++copy.usedEntries > kMostGptPartitions) return;
-  partition.name = SafeUtf16(SliceAt(bytes, entry::kName, entry::kNameSize));
+  partition.name = SafeUtf16(SliceAt(bytes, entry::kName, entry::kNameSize), &partition.nameReplaced);
   copy.partitions.push_back(std::move(partition));
 }
 

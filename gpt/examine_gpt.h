@@ -18,7 +18,8 @@ struct GptPartition {
   u64 first = 0;  // absolute sectors, inclusive, as stored: last may lie before first
   u64 last = 0;
   u64 attributes = 0;
-  std::string name;  // UTF-8, safe to show
+  std::string name;           // UTF-8, safe to show
+  bool nameReplaced = false;  // characters of it were replaced for that
 
   bool operator==(const GptPartition&) const = default;
 };

@@ -62,6 +62,7 @@ struct Extent {
   u64 depth = 0;              // how many extents it lies in, for indenting
   std::string id = {};        // of a GPT partition: its unique GUID in small letters
   u64 attributes = 0;         // of a GPT partition
+  bool nameReplaced = false;  // characters of the name, which were not safe to show
   u64 number = 0;             // of a partition in its table, from 1, logical ones from 5; 0: it has none
 };
 

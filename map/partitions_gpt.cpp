@@ -15,6 +15,7 @@ Extent ExtentOf(const GptPartition& partition, std::string_view table) {
   extent.type = GuidText(partition.type);
   extent.typeName = NameOfGptType(extent.type);
   extent.name = partition.name;
+  extent.nameReplaced = partition.nameReplaced;
   extent.source = std::string(table) + " entry " + std::to_string(partition.number);
   extent.number = partition.number;
   extent.id = GuidText(partition.unique);

@@ -157,6 +157,8 @@ void Script::Add(const Extent& extent) {
   if (reason.empty() && HasAttributesThatGetLost(extent))
     text.append("# of disk" + std::to_string(extent.number) +
                 " sfdisk does not write attribute bits 3 to 47\n");
+  if (reason.empty() && extent.nameReplaced)
+    text.append("# in the name of disk" + std::to_string(extent.number) + " ? stands for other characters\n");
 }
 
 void AddHeader(Script& script, const DiskMap& map) {

@@ -178,6 +178,16 @@ TEST(SfdiskScript, AttributesThatSfdiskDoesNotWriteAreSaid) {
   EXPECT_EQ(LinesOfGpt({extent}), line + "# of disk3 sfdisk does not write attribute bits 3 to 47\n");
 }
 
+TEST(SfdiskScript, CharactersThatAreNotWrittenAreSaid) {
+  Extent extent = GptPartition(3, 2048, 4095);
+  extent.name = "a?b";
+  extent.nameReplaced = true;
+  EXPECT_EQ(LinesOfGpt({extent}),
+            "disk3 : start=2048, size=2048, type=0fc63daf-8483-4772-8e79-3d69d8477de4, "
+            "uuid=a0b1c2d3-e4f5-4607-8819-2a3b4c5d6e7f, name=\"a?b\"\n"
+            "# in the name of disk3 ? stands for other characters\n");
+}
+
 // A header that states what cannot be would make sfdisk refuse the script as a whole.
 TEST(SfdiskScript, ImpossibleHeaderGivesWayToTheRegularOne) {
   const std::string regular = "unit: sectors\nfirst-lba: 34\nlast-lba: 99966\ntable-length: 128\n";

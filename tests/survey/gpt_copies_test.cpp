@@ -350,7 +350,9 @@ TEST(GptCopies, NamesAreSafeToShow) {
   const DiskMap map = SurveyOf(disk);
   std::vector<std::string> names;
   for (const Extent& extent : map.extents) {
-    if (extent.kind == ExtentKind::kPartition && !extent.name.empty()) names.push_back(extent.name);
+    if (extent.kind != ExtentKind::kPartition || extent.name.empty()) continue;
+    names.push_back(extent.name);
+    EXPECT_EQ(extent.nameReplaced, extent.name != "a") << extent.name;
   }
   EXPECT_EQ(names, (Lines{"?[2J?abc?\"</script>", "?x? \xF0\x9F\x98\x80", "a"}));
 }
