@@ -29,16 +29,11 @@ constexpr std::size_t kMostVolumes = 4096;
 // Volumes, and their areas with them.
 constexpr std::size_t kMostContents = 8192;
 
-struct Sources {
-  std::string volume;
-  std::string area;
-};
-
 void AddAreas(DiskMap& map, const std::vector<Area>& areas, const std::string& source) {
   for (const Area& area : areas) {
     if (map.extents.size() >= kMostContents) {
       const std::string cut =
-          "Of what volumes consist of the first " + std::to_string(kMostContents) + " are shown.";
+          "Of volumes and their areas the first " + std::to_string(kMostContents) + " are shown.";
       if (map.cut.empty() || map.cut.back() != cut) map.cut.push_back(cut);
       return;
     }
@@ -117,8 +112,7 @@ void SayUnrecognised(DiskMap& map, const Extent& partition) {
 }
 
 bool IsPrivhead(u64 sector) {
-  const auto bytes = ReadSectors(sector, 1);
-  return bytes && EqualsText(SliceAt(*bytes, 0, 8), "PRIVHEAD");
+  return BeginsWith(sector, "PRIVHEAD");
 }
 
 void ReadDynamicDisk(DiskMap& map, u64 privhead, u64 lastOnDisk) {

@@ -186,11 +186,6 @@ void ReadMbrTable(PartitionTables& tables, u64 lastOnDisk) {
   cut(chained.records, " extended boot records the first ");
 }
 
-bool BeginsWith(u64 sector, std::string_view text) {
-  const auto bytes = ReadSectors(sector, 1);
-  return bytes && EqualsText(SliceAt(*bytes, 0, text.size()), text);
-}
-
 // Whether a volume begins in sector 0, where no table says otherwise. What is told by a signature further in,
 // or by a backup, is not asked for where a GPT is: there it belongs to a partition.
 bool IsBareVolume(const MasterBootRecord& mbr, u64 lastOnDisk) {
@@ -224,6 +219,11 @@ bool EntriesFit(const MasterBootRecord& mbr, u64 lastOnDisk) {
 }
 
 }  // namespace
+
+bool BeginsWith(u64 sector, std::string_view text) {
+  const auto bytes = ReadSectors(sector, 1);
+  return bytes && EqualsText(SliceAt(*bytes, 0, text.size()), text);
+}
 
 PartitionTables ReadPartitionTables(u64 lastOnDisk) {
   PartitionTables tables;

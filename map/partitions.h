@@ -4,6 +4,7 @@
 #define TROVISK_MAP_PARTITIONS_H
 
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "frame/toc.h"
@@ -32,6 +33,9 @@ struct PartitionTables {
 
 // Logical partitions, and records of their chains, beyond so many are counted, not kept.
 inline constexpr u64 kMostLogical = u64{1} << 12;
+
+// Whether the sector can be read and begins with that signature.
+bool BeginsWith(u64 sector, std::string_view text);
 
 // Reads all tables. lastOnDisk: all ones where unknown.
 PartitionTables ReadPartitionTables(u64 lastOnDisk);

@@ -110,11 +110,6 @@ u64 BackupSector(const GptCopy& primary, u64 lastOnDisk) {
   return primary.headerSound && possible ? primary.otherLba : lastOnDisk;
 }
 
-bool BeginsWithGptHeader(u64 sector) {
-  const auto bytes = ReadSectors(sector, 1);
-  return bytes && EqualsText(SliceAt(*bytes, 0, 8), "EFI PART");
-}
-
 void CheckLastSector(const GptCopy& backup, u64 lastOnDisk, std::vector<Check>& checks) {
   Check check =
       CheckEqual(backup.sector, "GPT backup header stands in the last sector", backup.sector, lastOnDisk);
@@ -149,7 +144,7 @@ void ReadGptTables(PartitionTables& tables, u64 lastOnDisk) {
   const MbrPartition* protective = tables.mbr.OfType(kTypeProtective);
   if (!backup.present && protective != nullptr && protective->count != 0) {
     const u64 former = protective->first + protective->count - 1;
-    if (former > kPrimaryHeader && former < lastOnDisk && former != place && BeginsWithGptHeader(former))
+    if (former > kPrimaryHeader && former < lastOnDisk && former != place && BeginsWith(former, "EFI PART"))
       backup = ExamineGptCopy("backup", former, lastOnDisk, checks);
   }
   // Where the MBR has no partitions at all, nothing speaks against the GPT.

@@ -25,13 +25,18 @@ constexpr u64 kUnknown = ~u64{0};
 SectorToc visited;
 u64 lastOnDisk = kUnknown;
 
+// Partitions are taken from a table that has lost its end mark.
+bool HasMbrTable(const PartitionTables& tables) {
+  return !tables.bareVolume && (tables.mbr.endMark || !tables.mbr.partitions.empty());
+}
+
 std::string SchemeOf(const PartitionTables& tables) {
   if (tables.bareVolume) return "none";
   const auto isLive = [](const MbrPartition& partition) { return partition.type != kTypeProtective; };
   const bool live = std::any_of(tables.mbr.partitions.begin(), tables.mbr.partitions.end(), isLive);
   const bool gpt = (tables.primary && tables.primary->present) || (tables.backup && tables.backup->present);
   if (gpt && (tables.gptInUse || !live)) return live ? "GPT, hybrid MBR" : "GPT";
-  return tables.mbr.endMark || !tables.mbr.partitions.empty() ? "MBR" : "none";
+  return HasMbrTable(tables) ? "MBR" : "none";
 }
 
 std::string IdOf(const PartitionTables& tables) {
@@ -39,8 +44,7 @@ std::string IdOf(const PartitionTables& tables) {
     const auto& copy = tables.followsPrimary ? tables.primary : tables.backup;
     if (copy && copy->present) return GuidText(copy->diskGuid);
   }
-  const bool table = tables.mbr.endMark || !tables.mbr.partitions.empty();
-  return table && !tables.bareVolume ? Hex32(tables.mbr.signature) : std::string();
+  return HasMbrTable(tables) ? Hex32(tables.mbr.signature) : std::string();
 }
 
 // The structures that the tables lead to; the decoders find the rest.

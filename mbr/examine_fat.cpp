@@ -20,7 +20,7 @@ namespace {
 constexpr std::string_view kBackupName = "FAT32 backup boot sector";
 constexpr u64 kUsualBackupSector = 6;
 constexpr u16 kFatsNotMirrored = 0x80;  // in the flags of FAT32: one FAT alone is in use
-constexpr u64 kMostFatsCompared = 4;
+constexpr u64 kMostFatsAlone = 4;       // areas of their own, which are compared; up to 255 can be stated
 
 struct Volume {
   const VolumePlace& place;
@@ -58,7 +58,7 @@ void AddAreas(VolumeFindings& findings, const Volume& volume) {
   if (const auto sector = NamedSector(volume, Le16<kFat32BackupBoot>(volume.boot))) {
     add("backup boot sector", *sector, 1);
   }
-  const u64 alone = std::min(geometry.fats, kMostFatsCompared);
+  const u64 alone = std::min(geometry.fats, kMostFatsAlone);
   for (u64 i = 0; i < alone; ++i)
     add("FAT " + std::to_string(i + 1), volume.Fat(i), geometry.fatSize);
   if (geometry.fats > alone) {
@@ -87,7 +87,7 @@ void CheckFats(VolumeFindings& findings, const Volume& volume) {
   findings.checks.push_back(first ? CheckEqual(sector, "FAT media byte", Hex8(U8At(*first, 0)), media)
                                   : Unreadable(sector, "FAT media byte", media));
   const bool mirrored = !volume.IsFat32() || (Le16<kFat32Flags>(volume.boot) & kFatsNotMirrored) == 0;
-  for (u64 i = 1; i < geometry.fats && i < kMostFatsCompared; ++i) {
+  for (u64 i = 1; i < geometry.fats && i < kMostFatsAlone; ++i) {
     constexpr std::string_view kName = "FAT copy, first sector";
     constexpr std::string_view kExpected = "the bytes of FAT 1";
     const u64 other = volume.DiskSector(volume.Fat(i));
