@@ -64,6 +64,7 @@ class Bench:
         return [None if None in each else statistics.median(each) for each in times]
 
     def memory(self, command):
+        """The median peak memory in KiB."""
         return statistics.median(self.usage(command)[1] for _ in range(self.runs))
 
     def system_calls(self, command):
@@ -132,6 +133,8 @@ class Bench:
                 limit = times[fastest] / ours * beside / bare
                 self.rows.append((f"{what}the same / bare loop, which is the limit", f"{limit:.1f}", "", ""))
                 self.row(f"{what}trovisk / bare loop", beside / bare, 1.5 if data == "random" else None)
+            memory = self.usage(self.trovisk(data, 0, last))[1]
+            self.row(f"{self.mib} MiB of {noun}: peak memory / 8 MiB", memory / (8 * 1024), 1, timed=False)
         os.unlink(self.disk("share"))
 
     # The size of the disk, and a sector near its end

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
+#include <initializer_list>
 #include <set>
 #include <utility>
 
@@ -26,9 +28,6 @@ std::vector<std::string> Trace::Names() const {
   return names;
 }
 
-namespace {
-
-// command: what is traced.
 Trace TraceCommand(const std::vector<std::string>& command, const std::string& inject) {
   const std::string list = ScratchPath("trace");
   std::vector<std::string> words = {"strace", "-f", "-qq", "-s", "0", "-o", list};
@@ -51,8 +50,6 @@ Trace TraceCommand(const std::vector<std::string>& command, const std::string& i
   return trace;
 }
 
-}  // namespace
-
 Trace TraceProgram(const std::vector<std::string>& arguments, const std::string& inject) {
   std::vector<std::string> command = {ProgramPath(Build::kShipped)};
   command.insert(command.end(), arguments.begin(), arguments.end());
@@ -62,7 +59,45 @@ Trace TraceProgram(const std::vector<std::string>& arguments, const std::string&
 Trace TraceShell(const std::string& command, const std::vector<std::string>& arguments) {
   std::vector<std::string> words = {"sh", "-c", command, ProgramPath(Build::kShipped)};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  return TraceCommand(words, "");
+  return TraceCommand(words);
+}
+
+namespace {
+
+bool IsOpen(const std::string& call) {
+  return call.starts_with("open") || call.starts_with("creat");
+}
+
+}  // namespace
+
+std::vector<std::string> OpensOf(const Trace& trace, const std::string& path) {
+  std::vector<std::string> opens;
+  for (const std::string& call : trace.calls) {
+    if (IsOpen(call) && call.find('"' + path) != std::string::npos) opens.push_back(call);
+  }
+  return opens;
+}
+
+std::vector<std::string> Changes(const Trace& trace) {
+  const auto holds = [](const std::string& call, const char* flag) {
+    return call.find(flag) != std::string::npos;
+  };
+  const auto begins = [](const std::string& call, const char* name) { return call.starts_with(name); };
+  const auto any = [](const std::string& call, auto&& is, std::initializer_list<const char*> texts) {
+    return std::any_of(texts.begin(), texts.end(), [&](const char* text) { return is(call, text); });
+  };
+  std::vector<std::string> changes;
+  for (const std::string& call : trace.calls) {
+    const bool opensToWrite =
+        IsOpen(call) && any(call, holds, {"O_WRONLY", "O_RDWR", "O_CREAT", "O_TRUNC", "creat("});
+    if (opensToWrite ||
+        any(call, begins,
+            {"pwrite", "writev(", "truncate", "ftruncate", "fallocate(", "unlink", "rename", "link(",
+             "linkat(", "symlink", "mkdir", "rmdir(", "mknod", "copy_file_range(", "sendfile"})) {
+      changes.push_back(call);
+    }
+  }
+  return changes;
 }
 
 }  // namespace trovisk::test

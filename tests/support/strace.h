@@ -22,13 +22,23 @@ struct Trace {
   std::vector<std::string> Names() const;
 };
 
-// Runs the shipped program under strace. Fails the test where strace is missing or may not trace.
-// inject: calls that fail, as strace's option of that name takes them, e.g. "pread64:error=EIO:when=3".
+// Runs the command, a program and its arguments, under strace. Fails the test where strace is missing or may
+// not trace. inject: calls that fail, as strace's option of that name takes them, e.g.
+// "pread64:error=EIO:when=3".
+Trace TraceCommand(const std::vector<std::string>& command, const std::string& inject = "");
+
+// The same for the shipped trovisk.
 Trace TraceProgram(const std::vector<std::string>& arguments, const std::string& inject = "");
 
-// The same for a shell's command, whose "$0" and "$@" are the program and its arguments. The shell's calls
+// And for a shell's command, whose "$0" and "$@" are the program and its arguments. The shell's calls
 // are in the list too, in front of the program's where it executes it.
 Trace TraceShell(const std::string& command, const std::vector<std::string>& arguments);
+
+// The calls that open a path that begins so.
+std::vector<std::string> OpensOf(const Trace& trace, const std::string& path);
+
+// The calls that open anything to be written, or write, make, rename or remove something but by write(2).
+std::vector<std::string> Changes(const Trace& trace);
 
 }  // namespace trovisk::test
 
