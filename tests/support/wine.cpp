@@ -74,16 +74,22 @@ WineDrive::~WineDrive() {
   std::filesystem::remove(link_, ignored);
 }
 
+Outcome OnceMoreUnlessStarted(const std::function<Outcome()>& run) {
+  Outcome first = run();
+  if (!HasNotStarted(first)) return first;
+  // Should it be the program after all, it prints nothing the second time either.
+  Outcome second = run();
+  if (!HasNotStarted(second)) {
+    std::cout << "wine did not start it at first, status " << first.status << ": " << first.err << "\n";
+  }
+  return second;
+}
+
 Outcome RunWindowsProgram(const std::string& program, const std::vector<std::string>& arguments,
                           const std::vector<std::string>& environment) {
   std::vector<std::string> all = {program};
   all.insert(all.end(), arguments.begin(), arguments.end());
-  Outcome outcome = RunCommand(WineCommand(), all, environment);
-  // Should it be the program after all, it prints nothing the second time either.
-  if (HasNotStarted(outcome)) {
-    std::cout << "wine did not start it, status " << outcome.status << "; once more: " << outcome.err << "\n";
-    outcome = RunCommand(WineCommand(), all, environment);
-  }
+  Outcome outcome = OnceMoreUnlessStarted([&] { return RunCommand(WineCommand(), all, environment); });
   outcome.out = AsElsewhere(outcome.out);
   outcome.err = AsElsewhere(outcome.err);
   ReplaceAll(outcome.err, WindowsPath(program), program);

@@ -7,6 +7,7 @@
 #ifndef TROVISK_TESTS_SUPPORT_WINE_H
 #define TROVISK_TESTS_SUPPORT_WINE_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,10 @@ class WineDrive {
   std::string number_;
   std::string link_;
 };
+
+// What run, the start of a Windows program, comes to; of a second one where Wine did not start the program,
+// which is said on standard output. Texts as they are.
+Outcome OnceMoreUnlessStarted(const std::function<Outcome()>& run);
 
 // Runs a Windows program, once more where Wine did not start it; environment: NAME=VALUE pairs added to the
 // environment. The C runtime of Windows writes CR LF, and "Jan 01" for "Jan  1": both read as elsewhere, and

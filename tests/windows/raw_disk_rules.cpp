@@ -22,9 +22,8 @@
 //   - positions and lengths that are not whole sectors are refused, and so are buffers that do not lie as the
 //     adapter asks, here at a multiple of 16: error 87, ERROR_INVALID_PARAMETER
 //   - a move to a position below 0: error 131, ERROR_NEGATIVE_SEEK
-//   - a move behind the end is none of its business; a read there, of one sector or of several that are not
-//   all
-//     on the disk, reads nothing: error 27, ERROR_SECTOR_NOT_FOUND
+//   - a move behind the end is none of its business; a read there, of one sector or of several that are
+//     not all on the disk, reads nothing: error 27, ERROR_SECTOR_NOT_FOUND
 
 #include <algorithm>
 #include <cstdint>

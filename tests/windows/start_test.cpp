@@ -12,10 +12,11 @@ namespace trovisk::test {
 namespace {
 
 // Runs a program under a Wine that prints these words in its first run, and "started" in the second; the
-// lines of both, and how often it ran.
+// lines of both, how often it ran, and what is said of that.
 struct Started {
   Outcome outcome;
   std::string runs;
+  std::string said;  // to whom reads the test's output
 };
 
 Started RunUnder(const std::string& firstRun) {
@@ -28,7 +29,11 @@ Started RunUnder(const std::string& firstRun) {
   std::filesystem::permissions(script, std::filesystem::perms::owner_all);
   const std::string wine = WineCommand();
   setenv("TROVISK_WINE", script.c_str(), 1);
-  Started started{RunWindowsProgram("program.exe", {}, {}), ReadFile(runs)};
+  testing::internal::CaptureStdout();
+  Started started;
+  started.outcome = RunWindowsProgram("program.exe", {}, {});
+  started.said = testing::internal::GetCapturedStdout();
+  started.runs = ReadFile(runs);
   setenv("TROVISK_WINE", wine.c_str(), 1);
   return started;
 }
@@ -38,12 +43,14 @@ void ExpectOnceMore(const std::string& firstRun) {
   EXPECT_EQ(started.outcome.out, "started\n") << firstRun;
   EXPECT_EQ(started.outcome.status, 3) << firstRun;
   EXPECT_EQ(started.runs, "1\n2\n") << firstRun;
+  EXPECT_TRUE(started.said.starts_with("wine did not start it at first, status ")) << started.said;
 }
 
 void ExpectAsItIs(const std::string& firstRun, int status) {
   const Started started = RunUnder(firstRun);
   EXPECT_EQ(started.outcome.status, status) << firstRun;
   EXPECT_EQ(started.runs, "1\n") << firstRun;
+  EXPECT_EQ(started.said, "");
 }
 
 TEST(WineStart, ProgramThatPrintsNothingIsStartedOnceMore) {

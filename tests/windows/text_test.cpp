@@ -28,7 +28,7 @@ Disk DiskWithName() {
 
 // What a program shows on a console: Wine's own one on a terminal of ours, without the sequences that move
 // and hide its cursor.
-std::string OnConsole(const std::vector<std::string>& arguments) {
+std::string OnceOnConsole(const std::vector<std::string>& arguments) {
   int terminal = -1;
   const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (child == 0) {
@@ -44,6 +44,11 @@ std::string OnConsole(const std::vector<std::string>& arguments) {
   waitpid(child, nullptr, 0);
   static const std::regex sequences("\x1b\\[[0-9;?]*[A-Za-z]|\r");
   return std::regex_replace(text, sequences, "");
+}
+
+// The same, once more where Wine did not start it.
+std::string OnConsole(const std::vector<std::string>& arguments) {
+  return OnceMoreUnlessStarted([&] { return Outcome{OnceOnConsole(arguments), {}}; }).out;
 }
 
 TEST(WindowsText, NamesInAFile) {
@@ -116,8 +121,12 @@ std::string CodePages(int presses, const std::vector<std::string>& program) {
   std::vector<std::string> words = {WineCommand(), WindowsProgram("console.exe"), WindowsPath(log),
                                     std::to_string(presses)};
   words.insert(words.end(), program.begin(), program.end());
-  OnConsole(words);
-  return ReadFile(log);
+  return OnceMoreUnlessStarted([&] {
+           std::filesystem::remove(log);
+           OnceOnConsole(words);
+           return Outcome{ReadFile(log), {}};
+         })
+      .out;
 }
 
 constexpr char kCtrlC[] = "0xC000013A\n";  // STATUS_CONTROL_C_EXIT
@@ -175,9 +184,11 @@ TEST(WindowsText, ReaderThatHasGoneEndsTheProgramQuietly) {
 
 TEST(WindowsText, FullDiskIsAnError) {
   const WineDrive drive(LargeImage());
-  const Outcome outcome = RunChild([&] {
-    dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
-    Become(drive.Number(), {"0", "1999"});
+  const Outcome outcome = OnceMoreUnlessStarted([&] {
+    return RunChild([&] {
+      dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
+      Become(drive.Number(), {"0", "1999"});
+    });
   });
   EXPECT_EQ(outcome.err, "Error writing the report, error 112\r\n");  // ERROR_DISK_FULL
   EXPECT_EQ(outcome.status, 1);
@@ -188,18 +199,20 @@ TEST(WindowsText, BothStreamsInOneFileKeepTheirOrder) {
   const std::string image = LargeImage();
   std::filesystem::resize_file(image, 3 * 512 + 100);
   const WineDrive drive(image);
-  Outcome outcome = RunChild([&] {
-    dup2(STDOUT_FILENO, STDERR_FILENO);
-    Become(drive.Number(), {"3"});
-  });
+  const auto inOneFile = [&](const std::string& sector) {
+    return OnceMoreUnlessStarted([&] {
+      return RunChild([&] {
+        dup2(STDOUT_FILENO, STDERR_FILENO);
+        Become(drive.Number(), {sector});
+      });
+    });
+  };
+  Outcome outcome = inOneFile("3");
   EXPECT_TRUE(
       outcome.out.ends_with("Last sector on disk is 2\r\nThere aren't that many sectors on the disk !!\r\n"))
       << outcome.out;
   std::filesystem::resize_file(image, 10);
-  outcome = RunChild([&] {
-    dup2(STDOUT_FILENO, STDERR_FILENO);
-    Become(drive.Number(), {"0"});
-  });
+  outcome = inOneFile("0");
   const std::string failure = "Global::Read failed, error 27\r\nError reading sector\r\n";
   EXPECT_TRUE(outcome.out.ends_with(" sector 0\r\n\r\nLoading TOC ...\r\n" + failure +
                                     "\r\nReading sector # 0 [Master Boot Record]\r\n" + failure))
@@ -234,8 +247,9 @@ TEST(WindowsText, TimesAreOfTheZoneThatTheSystemIsSetTo) {
 }
 
 TEST(WindowsText, LineEndsAreThoseOfWindows) {
-  const Outcome outcome =
-      RunCommand(WineCommand(), {WindowsProgram("trovisk.exe"), "x", "y", "z", "more"}, {});
+  const Outcome outcome = OnceMoreUnlessStarted([] {
+    return RunCommand(WineCommand(), {WindowsProgram("trovisk.exe"), "x", "y", "z", "more"}, {});
+  });
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(outcome.out.ends_with("\r\n\r\n")) << outcome.out;
   EXPECT_TRUE(outcome.err.ends_with(" disk# [first_sector#] [LastSector#]\r\n")) << outcome.err;
