@@ -17,8 +17,8 @@ namespace {
 constexpr std::string_view kUsage = R"(Usage: trovisk disk [first_sector [last_sector]]
        trovisk --help | --version
 
-Reads the metadata of one disk, sector by sector, and shows every field of every
-structure from the master boot record on. It never writes to the disk.
+Reads the metadata of one disk, sector by sector, and shows the fields of its
+structures from the master boot record on. It never writes to the disk.
 
 Arguments:
 )";

@@ -1,6 +1,6 @@
 // DPOD, a data record of a Storage Replica log partition.
 //
-// Stands in every sector of the partition behind the first; its first 256 bytes. Little-endian. There is no
+// Stands in the sectors of the partition between the first and the last; its first 256 bytes. Little-endian. There is no
 // published description: the layout is what is known from disks, and so in part unknown.
 // Checked: signature.
 
