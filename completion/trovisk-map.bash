@@ -27,7 +27,7 @@ _trovisk_map_disks() {
 _trovisk_map() {
   COMPREPLY=()
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local images='img|raw|dd|bin|iso|ima|001'
+  local images='img|raw|dd|bin|iso|ima|000|001|aa|e01|s01|vhd|vhdx|vmdk|qcow2'
   case $previous in
     --color)
       mapfile -t COMPREPLY < <(compgen -W 'auto always never' -- "$current")

@@ -12,7 +12,7 @@ _trovisk_map_disk() {
   done 2>/dev/null
   # Where no disk and no image fits, any file name does; _files alone would offer the disks once more.
   _alternative 'disks:disk:compadd -a disks' \
-    'images:image file or saved map:_path_files -g "(#i)*.(img|raw|dd|bin|iso|ima|001|json)(-.)"' \
+    'images:image file or saved map:_path_files -g "(#i)*.(img|raw|dd|bin|iso|ima|000|001|aa|e01|s01|vhd|vhdx|vmdk|qcow2|json)(-.)"' \
     'folders:folder:_path_files -/' || _files
 }
 

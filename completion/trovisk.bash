@@ -21,7 +21,7 @@ _trovisk() {
 
   while IFS= read -r file; do
     case ${file,,} in
-      *.img | *.raw | *.dd | *.bin | *.iso | *.ima | *.001) COMPREPLY+=("$file") ;;
+      *.img | *.raw | *.dd | *.bin | *.iso | *.ima | *.000 | *.001 | *.aa | *.e01 | *.s01 | *.vhd | *.vhdx | *.vmdk | *.qcow2) COMPREPLY+=("$file") ;;
     esac
   done < <(compgen -f -- "$current")
   while IFS= read -r file; do

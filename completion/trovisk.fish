@@ -18,7 +18,7 @@ end
 # Where no image fits, any file does.
 function __trovisk_files --description 'Image files, and folders on the way to them'
     set --local files (__fish_complete_path (commandline --current-token) | string replace --regex '\t.*' '')
-    string match --regex --ignore-case '.*(?:/|\.(?:img|raw|dd|bin|iso|ima|001))$' -- $files
+    string match --regex --ignore-case '.*(?:/|\.(?:img|raw|dd|bin|iso|ima|000|001|aa|e01|s01|vhd|vhdx|vmdk|qcow2))$' -- $files
     or string collect -- $files
 end
 

@@ -4,6 +4,10 @@
 . "$(dirname "$0")/bash_shell.sh" "$1" trovisk _trovisk
 
 expect d = disk.img disk.raw
+touch evidence.E01 evidence.E02 split.001 split.002
+expect e = evidence.E01 # the first file stands for all
+expect s = split.001
+rm evidence.* split.*
 expect two = "two words.IMG"
 expect i = images
 expect images/ = images/usb.dd

@@ -4,6 +4,9 @@
 . "$(dirname "$0")/fish_shell.sh" "$1"
 
 expect "trovisk d" = disk.img disk.raw
+touch evidence.E01 evidence.E02
+expect "trovisk e" = evidence.E01 # the first file stands for all
+rm evidence.*
 expect "trovisk tw" = "two words.IMG"
 expect "trovisk i" = images/
 expect "trovisk images/" = images/usb.dd

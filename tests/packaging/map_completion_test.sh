@@ -4,6 +4,10 @@
 . "$(dirname "$0")/bash_shell.sh" "$1" trovisk-map _trovisk_map
 
 expect d = disk.img disk.raw
+touch evidence.E01 evidence.E02 split.001 split.002
+expect e = evidence.E01 # the first file stands for all
+expect s = split.001
+rm evidence.* split.*
 expect two = "two words.IMG"
 expect images/ = images/usb.dd
 expect notes =                      # no image: left to the default, any file

@@ -4,6 +4,9 @@
 . "$(dirname "$0")/fish_shell.sh" "$1"
 
 expect "trovisk-map d" = disk.img disk.raw
+touch evidence.E01 evidence.E02
+expect "trovisk-map e" = evidence.E01 # the first file stands for all
+rm evidence.*
 expect "trovisk-map tw" = "two words.IMG"
 expect "trovisk-map notes" = notes.txt # no image: any file
 expect "trovisk-map --" = --all --color --compare --help --html --json --list --output --sfdisk --version --width
