@@ -46,8 +46,9 @@ std::string DiskOfNumber(const std::string& digits) {
   return number < disks.size() ? "/dev/" + disks[number] : std::string();
 }
 
-// What a link leads to: the other files of an image stand beside that one.
-std::string RealPath(const std::string& path) {
+// Where the other files of an image stand: beside the name where pieces do, else beside what a link leads to.
+std::string PathOfImage(const std::string& path) {
+  if (PieceNames::IsOneOfSeveral(path, kPosixFiles.exists)) return path;
   const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
   return real ? real.get() : path;
 }
@@ -89,7 +90,7 @@ ErrorCode OpenDevice(Device& device, WideText /*path*/, const char* argument) {
   if (fstat(Descriptor(device), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
   const ImageSource file = FileSource(Descriptor(device), static_cast<u64>(status.st_size));
   device.handle = -1;
-  return OpenImage(device, kPosixFiles, RealPath(path), file);
+  return OpenImage(device, kPosixFiles, PathOfImage(path), file);
 }
 
 bool IsOpen(const Device& device) {

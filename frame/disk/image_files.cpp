@@ -120,7 +120,8 @@ ErrorCode OpenContent(const FileCalls& calls, const std::string& path, ImageSour
       return error;
     Close(file);
     file = content;
-  } else if (const std::string before = PieceNames::Before(path); !before.empty() && calls.exists(before)) {
+  } else if (const std::string before = PieceNames::Before(path, calls.exists);
+             !before.empty() && calls.exists(before)) {
     refusal = "is a further piece of an image, behind " + before + ": name the first one";
     return kErrorWithoutCode;
   } else if (PieceNames::IsFirst(path)) {

@@ -1,6 +1,8 @@
 #include "frame/disk/image_name.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace trovisk {
 namespace {
@@ -33,7 +35,7 @@ std::string NextLetters(std::string letters) {
 // the letters of the next length: yz, zaaa, ..., zyzz, zzaaaa.
 std::string NextLength(const std::string& letters) {
   const std::size_t leading = letters.find_first_not_of('z');
-  if (leading == letters.npos || letters[leading] != 'y') return {};
+  if (leading == letters.npos || letters[leading] != 'y' || letters.size() != 2 * (leading + 1)) return {};
   if (letters.find_first_not_of('z', leading + 1) != letters.npos) return {};
   return std::string(leading + 1, 'z') + std::string(letters.size() - leading + 1, 'a');
 }
@@ -49,7 +51,7 @@ bool PieceNames::IsFirst(std::string_view path) {
   return path.ends_with(".001") || path.ends_with(".000") || path.ends_with(".aa");
 }
 
-std::string PieceNames::Before(std::string_view path) {
+std::string PieceNames::Before(std::string_view path, bool (*exists)(const std::string& path)) {
   constexpr std::size_t kFewestDigits = 3;
   constexpr std::size_t kMostDigits = 9;
   constexpr std::size_t kLetters = 2;
@@ -59,12 +61,14 @@ std::string PieceNames::Before(std::string_view path) {
   const std::string base(path.substr(0, dot + 1));
   if (suffix.size() >= kFewestDigits && suffix.size() <= kMostDigits && IsNumber(suffix)) {
     const unsigned long number = std::stoul(suffix);
-    if (number == 0) return {};
+    if (number == 0 || (!exists(base + "000") && !exists(base + "001"))) return {};
     const std::string before = std::to_string(number - 1);
     return base + std::string(std::max(before.size(), kFewestDigits) - before.size(), '0') + before;
   }
-  if (suffix.size() != kLetters || suffix == "aa" || suffix.find_first_not_of(kAlphabet) != suffix.npos)
+  if (suffix.size() != kLetters || suffix == "aa" || suffix.find_first_not_of(kAlphabet) != suffix.npos ||
+      !exists(base + "aa")) {
     return {};
+  }
   if (suffix[1] != 'a') {
     --suffix[1];
   } else {
@@ -72,6 +76,11 @@ std::string PieceNames::Before(std::string_view path) {
     suffix[1] = 'z';
   }
   return base + suffix;
+}
+
+bool PieceNames::IsOneOfSeveral(std::string_view path, bool (*exists)(const std::string& path)) {
+  const std::string before = Before(path, exists);
+  return (!before.empty() && exists(before)) || (IsFirst(path) && !PieceNames(path).Next(exists).empty());
 }
 
 PieceNames::PieceNames(std::string_view first) {
@@ -92,12 +101,17 @@ std::string PieceNames::Next(bool (*exists)(const std::string& path)) {
 }
 
 std::string PieceNames::Missing(bool (*exists)(const std::string& path)) const {
-  constexpr int kLookedFor = 16;
+  constexpr int kLookedFor = 1000;
   const std::string next = NextSuffix(suffix_);
-  std::string behind = next;
-  for (int i = 0; i < kLookedFor && !behind.empty(); ++i) {
-    behind = NextSuffix(behind);
-    if (!behind.empty() && exists(base_ + behind)) return base_ + next;
+  std::vector<std::string> starts = {suffix_};  // of names of one length
+  for (std::size_t i = 0; i < starts.size(); ++i) {
+    std::string behind = starts[i];
+    for (int looked = 0; looked < kLookedFor && !behind.empty(); ++looked) {
+      if (behind != suffix_ && exists(base_ + behind))
+        return base_ + (next.empty() ? NextLength(suffix_) : next);
+      if (std::string longer = NextLength(behind); !longer.empty()) starts.push_back(std::move(longer));
+      behind = NextSuffix(behind);
+    }
   }
   return {};
 }

@@ -35,8 +35,12 @@ class PieceNames {
   static bool IsFirst(std::string_view path);
 
   // The piece that stands before this one where both are pieces: disk.001 before disk.002, disk.aa before
-  // disk.ab. Empty: the path does not end like that of a further piece.
-  static std::string Before(std::string_view path);
+  // disk.ab. Empty: the path does not end like that of a further piece, or no first piece of its name is
+  // there, so that the endings count something else, such as days.
+  static std::string Before(std::string_view path, bool (*exists)(const std::string& path));
+
+  // Whether the path is one of several pieces that stand side by side.
+  static bool IsOneOfSeveral(std::string_view path, bool (*exists)(const std::string& path));
 
   explicit PieceNames(std::string_view first);
 
@@ -45,8 +49,8 @@ class PieceNames {
   // exists: whether a path is there.
   std::string Next(bool (*exists)(const std::string& path));
 
-  // The path of the piece that Next has looked for in vain, where one of those behind it is there: it is
-  // missing. Empty: none is.
+  // The path of the piece that Next has looked for in vain, where one of the thousand behind it is there: it
+  // is missing. Empty: none is.
   std::string Missing(bool (*exists)(const std::string& path)) const;
 
  private:

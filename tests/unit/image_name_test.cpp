@@ -61,16 +61,49 @@ TEST(PieceNames, MissingIsOneInFrontOfAnother) {
   EXPECT_EQ(PieceNames("d.001").Missing(IsThere), "d.002");
   files = {"d.001"};
   EXPECT_EQ(PieceNames("d.001").Missing(IsThere), "");
+  files = {"d.001", "d.900"};
+  EXPECT_EQ(PieceNames("d.001").Missing(IsThere), "d.002");
+  files = {"d.aa", "d.zz"};
+  EXPECT_EQ(PieceNames("d.aa").Missing(IsThere), "d.ab");
+}
+
+// Behind yz names of another length may stand, whether yz is there or not.
+TEST(PieceNames, MissingIsLookedForInBothWaysThatLettersGoOn) {
+  files = {"d.yy", "d.zaaa"};
+  EXPECT_EQ(PieceNames("d.yy").Missing(IsThere), "d.yz");
+  files = {"d.yz", "d.zaab"};
+  EXPECT_EQ(PieceNames("d.yz").Missing(IsThere), "d.za");
+  files = {"d.yz", "d.zb"};
+  EXPECT_EQ(PieceNames("d.yz").Missing(IsThere), "d.za");
+  files = {"d.aa", "d.zzaa"};
+  EXPECT_EQ(PieceNames("d.aa").Missing(IsThere), "");
+  files = {"d.zyzz", "d.zzaaac"};
+  EXPECT_EQ(PieceNames("d.zyzz").Missing(IsThere), "d.zzaa");
 }
 
 TEST(PieceNames, BeforeIsTheOneInFront) {
-  EXPECT_EQ(PieceNames::Before("d.001"), "d.000");
-  EXPECT_EQ(PieceNames::Before("d.010"), "d.009");
-  EXPECT_EQ(PieceNames::Before("d.1000"), "d.999");
-  EXPECT_EQ(PieceNames::Before("d.ab"), "d.aa");
-  EXPECT_EQ(PieceNames::Before("d.ba"), "d.az");
+  files = {"d.000", "d.aa"};
+  EXPECT_EQ(PieceNames::Before("d.001", IsThere), "d.000");
+  EXPECT_EQ(PieceNames::Before("d.010", IsThere), "d.009");
+  EXPECT_EQ(PieceNames::Before("d.1000", IsThere), "d.999");
+  EXPECT_EQ(PieceNames::Before("d.ab", IsThere), "d.aa");
+  EXPECT_EQ(PieceNames::Before("d.ba", IsThere), "d.az");
   for (const char* none : {"d.000", "d.aa", "d.img", "d.01", "d.AB", "d", "d.0000000001"})
-    EXPECT_EQ(PieceNames::Before(none), "") << none;
+    EXPECT_EQ(PieceNames::Before(none, IsThere), "") << none;
+  files = {"d.001"};
+  EXPECT_EQ(PieceNames::Before("d.002", IsThere), "d.001");
+  files = {"d.002", "d.ab"};
+  for (const char* none : {"d.003", "d.20261122", "d.ac"})
+    EXPECT_EQ(PieceNames::Before(none, IsThere), "") << none;
+}
+
+TEST(PieceNames, OneOfSeveralHasAnotherBesideIt) {
+  files = {"d.001", "d.002"};
+  EXPECT_TRUE(PieceNames::IsOneOfSeveral("d.001", IsThere));
+  EXPECT_TRUE(PieceNames::IsOneOfSeveral("d.002", IsThere));
+  EXPECT_FALSE(PieceNames::IsOneOfSeveral("d.img", IsThere));
+  files = {"d.001"};
+  EXPECT_FALSE(PieceNames::IsOneOfSeveral("d.001", IsThere));
 }
 
 }  // namespace
