@@ -14,6 +14,9 @@ namespace trovisk {
 
 inline constexpr int kReadOnly = 1;  // how all of them are opened
 
+// What to do with an image that its library would misread; goes on behind what is wrong with it.
+inline constexpr char kConvertIt[] = ": convert it with \"qemu-img convert -O raw\"";
+
 // The library for a format.
 struct ContainerLibrary {
   ContainerFormat format;

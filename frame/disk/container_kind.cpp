@@ -19,6 +19,8 @@ struct Signature {
 
 constexpr std::string_view kConvert = "convert it with \"qemu-img convert -O raw\"";
 constexpr std::string_view kUnpack = "unpack it first";
+constexpr std::string_view kItsProgram = "write it as a raw or an E01 image with the program that made it";
+constexpr std::string_view kFiles = "look into it with the program that made it";
 constexpr std::string_view kExport = "write it as a raw image with \"ewfexport\"";
 
 constexpr Signature kSignatures[] = {
@@ -29,10 +31,12 @@ constexpr Signature kSignatures[] = {
     {0, "COWD"sv, {ContainerFormat::kVmdk, "a VMDK image", kConvert}},
     {0, "# Disk DescriptorFile"sv, {ContainerFormat::kVmdk, "a VMDK image", kConvert}},
     {0, "QFI\xFB"sv, {ContainerFormat::kQcow, "a QCOW image", kConvert}},
-    {0, "EVF2\x0D\x0A\x81\x00"sv, {ContainerFormat::kOther, "an Ex01 (EWF2) image", kExport}},
-    {0, "LVF\x09\x0D\x0A\xFF\x00"sv, {ContainerFormat::kOther, "an L01 image, which holds files", kExport}},
-    {0, "LEF2\x0D\x0A\x81\x00"sv, {ContainerFormat::kOther, "an Lx01 image, which holds files", kExport}},
+    {0, "EVF2\x0D\x0A\x81\x00"sv, {ContainerFormat::kOther, "an Ex01 (EWF2) image", kItsProgram}},
+    {0, "LVF\x09\x0D\x0A\xFF\x00"sv, {ContainerFormat::kOther, "an L01 image of files", kFiles}},
+    {0, "LEF2\x0D\x0A\x81\x00"sv, {ContainerFormat::kOther, "an Lx01 image of files", kFiles}},
     {0x40, "\x7F\x10\xDA\xBE"sv, {ContainerFormat::kOther, "a VDI image", kConvert}},
+    {0, "WithoutFreeSpace"sv, {ContainerFormat::kOther, "a Parallels image", kConvert}},
+    {0, "WithouFreSpacExt"sv, {ContainerFormat::kOther, "a Parallels image", kConvert}},
     {0, "QED\x00"sv, {ContainerFormat::kOther, "a QED image", kConvert}},
     {0,
      "AFF10\x0D\x0A\x00"sv,

@@ -14,6 +14,7 @@
 #include "frame/disk/container_handle_posix.h"
 #include "frame/disk/container_qcow_posix.h"
 #include "frame/disk/container_vhd_posix.h"
+#include "frame/disk/container_vhdx_posix.h"
 #include "frame/disk/container_vmdk_posix.h"
 
 namespace trovisk {
@@ -51,9 +52,21 @@ constexpr ContainerLibrary kLibraries[] = {
 };
 
 bool OpenFile(const Container& container, const std::string& path, std::string& refusal) {
-  if (container.reader->format == ContainerFormat::kEwf) return OpenEwfSegments(container, path, refusal);
-  if (container.reader->format == ContainerFormat::kQcow && !IsReadableQcow(path, refusal)) return false;
-  if (container.reader->format == ContainerFormat::kVhd && !IsReadableVhd(path, refusal)) return false;
+  switch (container.reader->format) {
+    case ContainerFormat::kEwf:
+      return OpenEwfSegments(container, path, refusal);
+    case ContainerFormat::kQcow:
+      if (!IsReadableQcow(path, refusal)) return false;
+      break;
+    case ContainerFormat::kVhd:  // and VHDX
+      if (!IsReadableVhd(path, refusal) || !IsReadableVhdx(path, refusal)) return false;
+      break;
+    case ContainerFormat::kVmdk:
+      if (!IsReadableVmdk(path, refusal)) return false;
+      break;
+    default:
+      break;
+  }
   auto* const open = Find<int(void*, const char*, int, void**)>(container, "_open");
   return open != nullptr && open(container.handle, path.c_str(), kReadOnly, nullptr) == 1;
 }
@@ -141,7 +154,8 @@ bool AdoptParent(Container& container, const std::string& path, std::vector<std:
   }
   container.parent = OpenChain(*container.reader, parentPath, chain, refusal);
   if (container.parent == nullptr) {
-    if (refusal.empty()) refusal = "rests on the image " + name + ", which is damaged or of another kind";
+    if (refusal.empty())
+      refusal = "rests on the image " + name + ", which is damaged or of another kind" + kConvertIt;
     return false;
   }
   const std::vector<u8> found = Identity(*container.parent, container.reader->identity);
@@ -151,8 +165,7 @@ bool AdoptParent(Container& container, const std::string& path, std::vector<std:
   }
   u64 length = 0;
   if (!Call(container, "_get_media_size", container.handle, &length) || length > container.parent->length) {
-    refusal =
-        "is larger than the image " + name + " that it rests on: convert it with \"qemu-img convert -O raw\"";
+    refusal = "is larger than the image " + name + " that it rests on" + kConvertIt;
     return false;
   }
   return Call(container, container.reader->adopt, container.handle, container.parent->handle);

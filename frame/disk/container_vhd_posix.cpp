@@ -31,13 +31,6 @@ constexpr u32 kUnused = 0xFFFFFFFF;       // an entry of the table; others are s
 constexpr u32 kMostBlocks = u32{1} << 22;
 constexpr std::size_t kMostBitmap = std::size_t{1} << 16;  // bytes
 
-std::vector<u8> Read(int descriptor, u64 offset, std::size_t bytes) {
-  std::vector<u8> read(bytes);
-  const ssize_t got = ReadAt(descriptor, read.data(), read.size(), offset);
-  read.resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-  return read;
-}
-
 // Whether the ones of a byte reach its end: none, or the last of its sectors, without one of the parent's
 // behind.
 bool EndsWithItsOnes(u8 byte) {
@@ -45,16 +38,16 @@ bool EndsWithItsOnes(u8 byte) {
 }
 
 bool IsReadable(int descriptor) {
-  const std::vector<u8> footer = Read(descriptor, 0, kRecord);
+  const std::vector<u8> footer = ReadUpTo(descriptor, 0, kRecord);
   if (!EqualsText(SliceAt(footer, 0, 8), "conectix") || Be32At(footer, kType) != kDifferencing) return true;
-  const std::vector<u8> header = Read(descriptor, Be64At(footer, kDataOffset), kRecord);
+  const std::vector<u8> header = ReadUpTo(descriptor, Be64At(footer, kDataOffset), kRecord);
   const std::size_t entries = std::min(Be32At(header, kBlocks), kMostBlocks);
-  const std::vector<u8> table = Read(descriptor, Be64At(header, kTableOffset), 4 * entries);
+  const std::vector<u8> table = ReadUpTo(descriptor, Be64At(header, kTableOffset), 4 * entries);
   const std::size_t bitmap = std::min<std::size_t>(Be32At(header, kBlockSize) / kRecord / 8, kMostBitmap);
   for (std::size_t i = 0; i + 4 <= table.size(); i += 4) {
     const u32 block = Be32At(table, i);
     if (block == kUnused) continue;
-    const std::vector<u8> bits = Read(descriptor, u64{block} * kRecord, bitmap);
+    const std::vector<u8> bits = ReadUpTo(descriptor, u64{block} * kRecord, bitmap);
     if (!std::all_of(bits.begin(), bits.end(), EndsWithItsOnes)) return false;
   }
   return true;

@@ -51,6 +51,13 @@ ssize_t ReadAt(int descriptor, void* buffer, std::size_t count, u64 position) {
   return got;
 }
 
+std::vector<u8> ReadUpTo(int descriptor, u64 position, std::size_t count) {
+  std::vector<u8> bytes(count);
+  const ssize_t got = ReadAt(descriptor, bytes.data(), bytes.size(), position);
+  bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+  return bytes;
+}
+
 ErrorCode ReadBytes(int descriptor, int& direct, u64 position, u8* buffer, std::size_t count,
                     std::size_t& got) {
   got = 0;

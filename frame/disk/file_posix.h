@@ -6,6 +6,7 @@
 #include <sys/types.h>
 
 #include <string>
+#include <vector>
 
 #include "frame/error_code.h"
 
@@ -21,6 +22,9 @@ int OpenReadOnly(const std::string& path, int flags = 0);
 
 // pread, again where a signal interrupted it that does not end the run.
 ssize_t ReadAt(int descriptor, void* buffer, std::size_t count, u64 position);
+
+// The bytes at a position, as many of them as there are.
+std::vector<u8> ReadUpTo(int descriptor, u64 position, std::size_t count);
 
 // Reads at most count bytes at a position. A buffered read fails as a whole page where one sector of it is
 // unreadable, so one that fails is repeated past the page cache: the good sectors beside a bad one can still

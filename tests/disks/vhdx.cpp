@@ -51,8 +51,9 @@ void PutVhdxHeader(Sector& header, u64 sequence, const Vhdx& vhdx) {
       .GuidAt(16, Guid("0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0"))  // of the file
       .GuidAt(32, vhdx.identity)
       .Le16(66, 1)     // version
-      .Le32(68, kMiB)  // of the log, which has nothing
+      .Le32(68, kMiB)  // of the log
       .Le64(72, kLog * kMiB);
+  if (vhdx.log) header.GuidAt(48, *vhdx.log);
   header.Le32(4, Crc32c(header.View().first(kSize)));
 }
 
@@ -144,6 +145,8 @@ Disk MakeVhdx(const Disk& content, const Vhdx& vhdx) {
   PutRegionTable(file.At(3));
   PutRegionTable(file.At(4));
   PutMetadata(file, size, vhdx);
+  // The second one of the log's sectors of 4 KiB.
+  if (vhdx.logEntry) file.At(kLog * kUnitsOfMiB).Text(4096, "loge").GuidAt(4096 + 32, *vhdx.logEntry);
 
   const bool differs = !vhdx.parent.empty();
   if (differs) PutTableEntry(file, kChunk, kBitmap * kMiB | kPresent);

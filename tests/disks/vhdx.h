@@ -4,6 +4,7 @@
 #ifndef TROVISK_TESTS_DISKS_VHDX_H
 #define TROVISK_TESTS_DISKS_VHDX_H
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,8 +17,10 @@ inline constexpr Guid kVhdxIdentity{"11223344-5566-7788-99AA-BBCCDDEEFF00"};
 inline constexpr std::u16string_view kVhdxIdentityText = u"{11223344-5566-7788-99aa-bbccddeeff00}";
 
 struct Vhdx {
-  Guid identity = kVhdxIdentity;  // of what is in it
-  u64 claimedSize = 0;            // bytes of the disk, where it is not the content's
+  Guid identity = kVhdxIdentity;                // of what is in it
+  u64 claimedSize = 0;                          // bytes of the disk, where it is not the content's
+  std::optional<Guid> log = std::nullopt;       // of the entries of the log that are in force
+  std::optional<Guid> logEntry = std::nullopt;  // of the one entry that the log has
   // What the parent locator says, by key; empty: a dynamic image.
   std::vector<std::pair<std::u16string, std::u16string>> parent = {};
 };

@@ -221,8 +221,9 @@ TEST_F(Containers, ImageWithAParentIsOpenedWithIt) {
 
 TEST_F(Containers, ParentOfAnotherKindIsRefused) {
   Make({"qemu-img", "create", "-q", "-f", "qcow2", "-b", Path("raw.img"), "-F", "raw", Path("child.qcow2")});
-  ExpectRefused("child.qcow2", "is a QCOW image that rests on the image " + Path("raw.img") +
-                                   ", which is damaged or of another kind");
+  ExpectRefused("child.qcow2",
+                "is a QCOW image that rests on the image " + Path("raw.img") +
+                    ", which is damaged or of another kind: convert it with \"qemu-img convert -O raw\"");
 }
 
 TEST_F(Containers, ParentThatIsTheFileItselfIsRefused) {
@@ -242,8 +243,8 @@ TEST_F(Containers, KindsThatAreKnownAndNotReadAreNamed) {
   ExpectRefused("disk.zip", "is a zip file, which this program does not read: unpack it first");
   Write("disk.Ex01", std::string("EVF2\x0D\x0A\x81\0more", 12));
   ExpectRefused("disk.Ex01",
-                "is an Ex01 (EWF2) image, which this program does not read: write it as a raw image with "
-                "\"ewfexport\"");
+                "is an Ex01 (EWF2) image, which this program does not read: write it as a raw or an E01 "
+                "image with the program that made it");
   Write("disk.aff", std::string("AFF10\x0D\x0A\0more", 12));
   ExpectRefused("disk.aff",
                 "is an AFF image, which this program does not read: write it as a raw image with "
@@ -323,6 +324,82 @@ TEST_F(Containers, ZeroedClustersOfQcowAreRefused) {
                 "\"qemu-img convert -O raw\"");
 }
 
+TEST_F(Containers, EncryptedQcowIsRefused) {
+  for (const char* const format : {"aes", "luks"}) {
+    const std::string name = std::string(format) + ".qcow2";
+    Convert(name, "qcow2",
+            {"--object", "secret,id=s,data=secret", "-o",
+             std::string("encrypt.key-secret=s,encrypt.format=") + format});
+    ExpectRefused(
+        name,
+        "is a QCOW image that is encrypted: convert it with \"qemu-img convert -O raw\", which takes "
+        "its key");
+  }
+}
+
+// Behind its end the library finds what its memory held before.
+TEST_F(Containers, CutQcowIsRefused) {
+  const std::string words = "is a QCOW image that is cut: some of its clusters lie behind its end";
+  Convert("plain.qcow2", "qcow2");
+  Convert("compressed.qcow2", "qcow2", {"-c"});
+  for (const char* const name : {"plain.qcow2", "compressed.qcow2"}) {
+    fs::resize_file(Path(name), fs::file_size(Path(name)) - 512);
+    ExpectRefused(name, words);
+  }
+}
+
+// A disk that ends inside of a cluster needs no more of it than there is of the disk.
+TEST_F(Containers, QcowOfADiskThatEndsInsideOfACluster) {
+  fs::resize_file(Path("raw.img"), u64{1000} * 512);
+  Convert("odd.qcow2", "qcow2");
+  const Outcome outcome = Run("odd.qcow2", {"0", "999"});
+  const Outcome raw = Run("raw.img", {"0", "999"});
+  EXPECT_TRUE(SameText(outcome.out, raw.out));
+  EXPECT_EQ(outcome.err, raw.err);
+}
+
+TEST_F(Containers, ChildOfVersion1OfQcowIsRefused) {
+  Convert("base.qcow", "qcow");
+  ExpectReportsOfTheRawImage("base.qcow");
+  Make({"qemu-img", "create", "-q", "-f", "qcow", "-b", "base.qcow", "-F", "qcow", Path("child.qcow")});
+  ExpectRefused(
+      "child.qcow",
+      "is a QCOW image that rests on another image, and is of version 1, of which its library reads "
+      "none that do: convert it with \"qemu-img convert -O raw\"");
+}
+
+TEST_F(Containers, ZeroedGrainsOfVmdkAreRefused) {
+  for (const char* const subformat : {"monolithicSparse", "twoGbMaxExtentSparse"}) {
+    Convert("zeroed.vmdk", "vmdk", {"-o", std::string("zeroed_grain=on,subformat=") + subformat});
+    ExpectReportsOfTheRawImage("zeroed.vmdk");
+    Make({"qemu-io", "-f", "vmdk", "-c", "write -z 0 64k", Path("zeroed.vmdk")});
+    ExpectRefused("zeroed.vmdk",
+                  "is a VMDK image that has zeroed grains, which its library does not know: convert it with "
+                  "\"qemu-img convert -O raw\"");
+  }
+}
+
+// Extents of a descriptor that its library reads from elsewhere, or not at all.
+TEST_F(Containers, VmdkExtentsThatAreNotWholeFilesAreRefused) {
+  const std::string head =
+      "# Disk DescriptorFile\nversion=1\nCID=12345678\nparentCID=ffffffff\ncreateType=\"custom\"\n";
+  Write("extent.bin", std::string(std::size_t{4096} * 512, 'x'));
+  Write("inside.vmdk", head + "RW 2048 FLAT \"extent.bin\" 1024\n");
+  ExpectRefused("inside.vmdk",
+                "is a VMDK image that has an extent that begins inside of its file, which its library reads "
+                "from another place: convert it with \"qemu-img convert -O raw\"");
+  Write("zero.vmdk", head + "RW 2048 FLAT \"extent.bin\" 0\nRW 63 ZERO\n");
+  ExpectRefused("zero.vmdk",
+                "is a VMDK image that has extents without a file, which its library does not know: convert "
+                "it with \"qemu-img convert -O raw\"");
+}
+
+TEST_F(Containers, PartOfAVmdkWithoutItsDescriptorIsRefused) {
+  Convert("pieces.vmdk", "vmdk", {"-o", "subformat=twoGbMaxExtentSparse"});
+  ExpectRefused("pieces-s001.vmdk",
+                "is a VMDK image that has no descriptor, being a part of one: name the file that has it");
+}
+
 TEST_F(Containers, ChildLargerThanItsParentIsRefused) {
   Convert("base.qcow2", "qcow2");
   Make({"qemu-img", "create", "-q", "-f", "qcow2", "-b", "base.qcow2", "-F", "qcow2", Path("child.qcow2"),
@@ -337,6 +414,27 @@ TEST_F(Containers, LinkToAFirstPieceLeadsToTheOthers) {
   fs::create_directory(Path("elsewhere"));
   fs::create_symlink(Path("letters.aa"), Path("elsewhere/link.001"));
   ExpectReportsOfTheRawImage("elsewhere/link.001");
+}
+
+// An image over two drives, brought together by links.
+TEST_F(Containers, LinksToPiecesStandSideBySide) {
+  Make({"split", "-b", "60M", "--numeric-suffixes=1", "-a", "3", Path("raw.img"), Path("disk.")});
+  for (const char* const number : {"001", "002"}) {
+    fs::create_directory(Path(number));
+    fs::rename(Path(std::string("disk.") + number), Path(std::string(number) + "/disk." + number));
+    fs::create_symlink(Path(std::string(number) + "/disk." + number), Path(std::string("disk.") + number));
+  }
+  ExpectReportsOfTheRawImage("disk.001");
+  ExpectRefused("disk.002",
+                "is a further piece of an image, behind " + Path("disk.001") + ": name the first one");
+}
+
+// Where no first piece is, an ending counts days, machines, or nothing.
+TEST_F(Containers, ImagesNamedByDayAreNoPieces) {
+  for (const char* const name : {"disk.20261121", "disk.20261122", "vm.100", "vm.101", "old.dc", "old.dd"})
+    fs::copy_file(Path("raw.img"), Path(name));
+  for (const char* const name : {"disk.20261122", "vm.101", "old.dd"})
+    ExpectReportsOfTheRawImage(name);
 }
 
 TEST_F(Containers, PieceBehindAnotherIsRefused) {

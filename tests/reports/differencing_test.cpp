@@ -135,6 +135,22 @@ TEST_F(Differencing, ParentOfFixedSize) {
   ExpectReportsOf(combined, "child.vhd");
 }
 
+// What a crash left in the log is newer than what stands in its place.
+TEST_F(Differencing, VhdxWhoseLogHasEntriesInForceIsRefused) {
+  const Guid log("01020304-0506-0708-090A-0B0C0D0E0F10");
+  const Guid older("FFFFFFFF-0506-0708-090A-0B0C0D0E0F10");
+  MakeVhdx(MbrSample(), {.log = log, .logEntry = log}).Write(Path("crashed.vhdx"));
+  ExpectRefused("crashed.vhdx",
+                "is a VHDX image that has writes in its log that are not where they belong yet: have them "
+                "replayed in a copy of it with \"qemu-img check -r all\"");
+  MakeVhdx(MbrSample(), {.log = log, .logEntry = older}).Write(Path("older.vhdx"));
+  ExpectReportsOf(MbrSample(), "older.vhdx");
+  MakeVhdx(MbrSample(), {.log = log}).Write(Path("empty.vhdx"));
+  ExpectReportsOf(MbrSample(), "empty.vhdx");
+  MakeVhdx(MbrSample(), {.logEntry = older}).Write(Path("closed.vhdx"));
+  ExpectReportsOf(MbrSample(), "closed.vhdx");
+}
+
 TEST_F(Differencing, GrandchildRestsOnBoth) {
   Disk latest(MbrSample().Sectors());
   latest.At(2047).Text(0, "the grandchild's");
