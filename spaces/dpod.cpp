@@ -1,8 +1,8 @@
 // DPOD, a data record of a Storage Replica log partition.
 //
-// Stands in the sectors of the partition between the first and the last; its first 256 bytes. Little-endian. There is no
-// published description: the layout is what is known from disks, and so in part unknown.
-// Checked: signature.
+// Stands in the sectors of the partition between the first and the last; its first 256 bytes. Little-endian.
+// There is no published description: the layout is what is known from disks, and so in part unknown. Checked:
+// signature.
 
 #include "frame/report/field_table.h"
 #include "frame/report/noted_field.h"
